@@ -1,0 +1,17 @@
+set(WIFIAP_WARNINGS -Wall -Wextra -Werror)
+
+if(WIFIAP_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+# The library itself: no exceptions, no RTTI, nothing from libstdc++ at run time.
+function(wifiap_library_flags target)
+  target_compile_options(${target} PRIVATE ${WIFIAP_WARNINGS}
+    $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)
+endfunction()
+
+# Project programs and tests: warnings are errors too.
+function(wifiap_warnings target)
+  target_compile_options(${target} PRIVATE ${WIFIAP_WARNINGS})
+endfunction()
