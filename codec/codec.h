@@ -1,0 +1,81 @@
+// What the exchange engines need from the record encoding: the operations of
+// each record and bare payload behind one small table of function pointers.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "intfWifiAp.h"
+#include "log.h"
+
+namespace wifiap::codec {
+
+// Where a bounded read logs its failure lines. A record (and every nested
+// record or list item) logs under its own exported unserialize name with its
+// own start as pBody; a bare payload or the body header logs under the body
+// callback's side name with the body's start as pBody.
+struct ReadLog {
+    const Who *who = nullptr;      // null: the record's own unserialize name
+    const void *pBody = nullptr;   // null: where this record's read started
+};
+
+// The five operations of a record or bare payload.
+struct Ops {
+    const char *name;  // record name as log lines spell it ("conf"); "" for bare payloads
+    uint32_t bytes;    // sizeof the payload in memory
+    uint32_t align;    // alignof the payload in memory
+    uint32_t (*copy)(void *dst, const void *src);
+    void (*clean)(void *rec);
+    uint32_t (*size)(const void *rec);
+    // Writes exactly size(rec) bytes at *cursor (into zero-filled memory) and moves it on.
+    uint32_t (*write)(const void *rec, uint8_t **cursor);
+    // Reads at *cursor, never past `left` bytes from there. On failure logs the
+    // record's lines (see ReadLog), leaves the cursor where the rules say, returns 4.
+    uint32_t (*read)(void *rec, const uint8_t **cursor, size_t left, const ReadLog &log);
+};
+
+// The fifteen records.
+extern const Ops kWpsInfoIn, kWpsInfoOut, kConf, kRateStats, kAssocDevInfo, kAssocDevList,
+    kProbeRequest, kPerRateStats, kAssocDevStats, kWpsStatusStruct, kAccountingParams,
+    kAccountingResult, kAssocDevStatus, kAssocDevInfoFull, kAssocDevStatList;
+
+// Bare payloads: fields numbered from tag 3 like a record's, but read and
+// logged as part of the body (ReadLog with the body's start and side name).
+struct CreateReq {
+    char text1[80];
+    char text2[80];
+};
+struct CreateRes {
+    char text1[20];
+    char text2[20];
+    uint32_t result;
+};
+struct BridgeAndIps {
+    char bridge[80];
+    char ips[16];
+};
+struct Ips {
+    char ips[16];
+};
+struct SsidText {
+    char text[80];
+};
+struct Result {  // a bare 32-bit word: results, encStatus
+    uint32_t result;
+};
+extern const Ops kCreateReq, kCreateRes, kBridgeAndIps, kIps, kSsidText, kResult;
+
+// The two header elements of every body: tag 0 the magic, tag 1 the version.
+// Read with the same rules; a failure at tag 0 is followed by one
+// "Error Before" line for tag 1.
+struct Header {
+    uint32_t magic;
+    uint32_t version;
+};
+extern const Ops kHeader;
+
+// Bounded text copy into a field of `cap` bytes: strncpy, then the last byte
+// forced to NUL, so a longer text is cut, never refused.
+void copyText(char *dst, const char *src, size_t cap);
+
+}  // namespace wifiap::codec

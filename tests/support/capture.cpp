@@ -1,0 +1,113 @@
+#include "capture.h"
+
+#include <malloc.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <syslog.h>
+
+#include <gtest/gtest.h>
+
+extern "C" {
+void *__real_malloc(size_t);
+void *__real_calloc(size_t, size_t);
+void __real_free(void *);
+}
+
+namespace cap {
+namespace {
+std::vector<Line> g_lines;
+int g_failIn = -1;
+long g_allocs = 0;
+long g_live = 0;
+uint32_t g_lastFreed = 0;
+
+bool shouldFail() {
+    if (g_failIn < 0) return false;
+    return g_failIn-- == 0;
+}
+
+void record(int prio, const char *msg) {
+    static const char kPrefix[] = "[INTFWIFIAP] -> ";
+    std::string s(msg);
+    if (prio == LOG_EMERG) fprintf(stderr, "%s", msg);  // visible to death tests
+    size_t open = s.find('(', sizeof kPrefix - 1);
+    size_t close = s.find("): ", open == std::string::npos ? 0 : open);
+    if (s.rfind(kPrefix, 0) != 0 || open == std::string::npos || close == std::string::npos) {
+        ADD_FAILURE() << "log line without the prefix: " << s;
+        return;
+    }
+    g_lines.push_back({prio, s.substr(sizeof kPrefix - 1, open - (sizeof kPrefix - 1)),
+                       s.substr(close + 3)});
+}
+}  // namespace
+
+const std::vector<Line> &lines() { return g_lines; }
+
+std::vector<std::string> texts() {
+    std::vector<std::string> out;
+    for (const Line &l : g_lines) out.push_back(l.fn + ": " + l.text);
+    return out;
+}
+
+void reset() {
+    g_lines.clear();
+    g_failIn = -1;
+    g_allocs = 0;
+    g_live = 0;
+    g_lastFreed = 0;
+}
+
+std::string fmt(const char *f, ...) {
+    char buf[1024];
+    va_list ap;
+    va_start(ap, f);
+    vsnprintf(buf, sizeof buf, f, ap);
+    va_end(ap);
+    return buf;
+}
+
+void failAlloc(int nth) { g_failIn = nth; }
+long allocations() { return g_allocs; }
+long liveBlocks() { return g_live; }
+uint32_t lastFreedWord() { return g_lastFreed; }
+
+}  // namespace cap
+
+extern "C" {
+
+void __wrap_syslog(int prio, const char *f, ...) {
+    char buf[2048];
+    va_list ap;
+    va_start(ap, f);
+    vsnprintf(buf, sizeof buf, f, ap);
+    va_end(ap);
+    cap::record(prio, buf);
+}
+
+void *__wrap_malloc(size_t n) {
+    if (cap::shouldFail()) return nullptr;
+    void *p = __real_malloc(n);
+    if (p) ++cap::g_allocs, ++cap::g_live;
+    return p;
+}
+
+void *__wrap_calloc(size_t n, size_t m) {
+    if (cap::shouldFail()) return nullptr;
+    void *p = __real_calloc(n, m);
+    if (p) ++cap::g_allocs, ++cap::g_live;
+    return p;
+}
+
+void __wrap_free(void *p) {
+    if (p) {
+        uint32_t w = 0;
+        if (malloc_usable_size(p) >= sizeof w) memcpy(&w, p, sizeof w);
+        cap::g_lastFreed = w;
+        --cap::g_live;
+    }
+    __real_free(p);
+}
+
+}  // extern "C"
