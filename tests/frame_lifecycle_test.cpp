@@ -1,0 +1,242 @@
+#include <string.h>
+#include <syslog.h>
+
+#include "frame_support.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+using Words = std::vector<uintptr_t>;
+
+uintptr_t w(const void *p) { return reinterpret_cast<uintptr_t>(p); }
+template <typename F>
+uintptr_t fnw(F f) { return reinterpret_cast<uintptr_t>(f); }
+
+TEST_F(Frame, AddHandsOverBothTablesThenDeleteGivesThemBack) {
+    EXPECT_EQ(intfWifiAp_getCmdIntfNum(), INTFWIFIAP_NUM_NONE);
+    EXPECT_EQ(intfWifiAp_getNtfyIntfNum(), INTFWIFIAP_NUM_NONE);
+
+    ASSERT_EQ(intfWifiap_initialize(), 0);
+    ASSERT_EQ(fake::calls().size(), 3u);
+    const fake::Call &cmd = fake::calls()[0], &ntfy = fake::calls()[1], &loop = fake::calls()[2];
+    EXPECT_EQ(cmd.fn, "ismCore_getBase_msgMngt");
+    EXPECT_STREQ(reinterpret_cast<const char *>(cmd.args[0]), "IntfWifiApCmd");
+    EXPECT_EQ(cmd.args[2], 15u);
+    EXPECT_STREQ(reinterpret_cast<const char *>(ntfy.args[0]), "IntfWifiApNtfy");
+    EXPECT_EQ(ntfy.args[2], 5u);
+    EXPECT_EQ(loop.fn, "evlp_addEvtBase");
+    EXPECT_EQ(loop.args, (Words{fnw(intfWifiAp_cbEvtBase), w(&intfWifiAp_base)}));
+    EXPECT_EQ(intfWifiAp_getCmdIntfNum(), fake::kCmdNum);
+    EXPECT_EQ(intfWifiAp_getNtfyIntfNum(), fake::kNtfyNum);
+    EXPECT_EQ(intfWifiAp_base.state, INTFWIFIAP_STATE_BASE_INIT);
+    EXPECT_EQ(intfWifiAp_base.flags, INTFWIFIAP_FLAGS_BASE_REG_CMD | INTFWIFIAP_FLAGS_BASE_REG_NTFY);
+
+    fake::reset();
+    intfWifiAp_cbEvtBase(nullptr, 0);
+    ASSERT_EQ(fake::calls().size(), 2u);
+    EXPECT_EQ(fake::calls()[0].args, (Words{fake::kCmdNum, 0}));
+    EXPECT_EQ(fake::calls()[1].args, (Words{fake::kNtfyNum, 0}));
+    EXPECT_EQ(intfWifiAp_getCmdIntfNum(), INTFWIFIAP_NUM_NONE);
+    EXPECT_EQ(intfWifiAp_getNtfyIntfNum(), INTFWIFIAP_NUM_NONE);
+    EXPECT_EQ(intfWifiAp_base.state, INTFWIFIAP_STATE_BASE_WAIT_INIT);
+    EXPECT_EQ(intfWifiAp_base.flags, 0);
+    EXPECT_THAT(cap::lines(), IsEmpty());
+
+    EXPECT_EQ(intfWifiAp_addBase(), 0) << "a deleted base can be added again";
+}
+
+// What one failing add or delete leaves behind.
+struct Refusal {
+    const char *name;
+    void (*script)();
+    int32_t (*op)();
+    int32_t rc;
+    std::vector<std::string> calls;
+    std::vector<std::string> lines;  // %s stands for the descriptor's address
+    uint16_t cmdNum, ntfyNum;
+    uint8_t flags, state;
+};
+
+void refuseCmd() { fake::answer("ismCore_getBase_msgMngt", {0xFFFF}); }
+void nullCmdBlock() { fake::noBlock(); }
+void refuseNtfy() { fake::answer("ismCore_getBase_msgMngt", {fake::kCmdNum, 0xFFFF}); }
+void refuseLoop() { fake::answer("evlp_addEvtBase", {-7}); }
+void none() {}
+void addedFirst() {
+    intfWifiAp_addBase();
+    cap::reset();
+    fake::reset();
+}
+void refusePutCmd() {
+    addedFirst();
+    fake::answer("ismCore_putBase_msgMngt", {9});
+}
+void refusePutNtfy() {
+    addedFirst();
+    fake::answer("ismCore_putBase_msgMngt", {0, 9});
+}
+
+const std::string kGet = "ismCore_getBase_msgMngt", kPut = "ismCore_putBase_msgMngt",
+                  kLoop = "evlp_addEvtBase";
+const std::string kStateWait =
+    "Check State[INTFWIFIAP_STATE_BASE_WAIT_INIT-0] Ctx[ptr(%s) state(1)] text[]\n";
+const std::string kStateInit =
+    "Check State[INTFWIFIAP_STATE_BASE_INIT-1] Ctx[ptr(%s) state(0)] text[]\n";
+constexpr uint8_t kBoth = INTFWIFIAP_FLAGS_BASE_REG_CMD | INTFWIFIAP_FLAGS_BASE_REG_NTFY;
+constexpr uint8_t kWait = INTFWIFIAP_STATE_BASE_WAIT_INIT, kInit = INTFWIFIAP_STATE_BASE_INIT;
+constexpr uint16_t kNone = INTFWIFIAP_NUM_NONE;
+
+const Refusal kRefusals[] = {
+    {"cmdTableRefused", refuseCmd, intfWifiAp_addBase, 1, {kGet},
+     {"intfWifiAp_addBase: Add command message management failed\n"}, kNone, kNone, 0, kWait},
+    {"cmdBlockMissing", nullCmdBlock, intfWifiAp_addBase, 1, {kGet},
+     {"intfWifiAp_addBase: Add command message management failed\n"}, fake::kCmdNum, kNone, 0,
+     kWait},
+    {"ntfyTableRefused", refuseNtfy, intfWifiAp_addBase, 1, {kGet, kGet},
+     {"intfWifiAp_addBase: Add notification message management failed\n"}, fake::kCmdNum, kNone,
+     INTFWIFIAP_FLAGS_BASE_REG_CMD, kWait},
+    {"loopRefused", refuseLoop, intfWifiAp_addBase, -7, {kGet, kGet, kLoop},
+     {"intfWifiAp_addBase: Add event base failed(-7)\n"}, fake::kCmdNum, fake::kNtfyNum, kBoth,
+     kWait},
+    {"initializeReportsAddFailure", refuseLoop, intfWifiap_initialize, -7, {kGet, kGet, kLoop},
+     {"intfWifiAp_addBase: Add event base failed(-7)\n",
+      "intfWifiap_initialize: Add Base failed(-7)\n"},
+     fake::kCmdNum, fake::kNtfyNum, kBoth, kWait},
+    {"addTwice", addedFirst, intfWifiAp_addBase, 3, {}, {"intfWifiAp_addBase: " + kStateWait},
+     fake::kCmdNum, fake::kNtfyNum, kBoth, kInit},
+    {"deleteBeforeAdd", none, intfWifiAp_delBase, 3, {}, {"intfWifiAp_delBase: " + kStateInit},
+     kNone, kNone, 0, kWait},
+    {"cmdGiveBackRefused", refusePutCmd, intfWifiAp_delBase, 9, {kPut},
+     {"intfWifiAp_delBase: Put command message management(33) failed(9)\n"}, fake::kCmdNum,
+     fake::kNtfyNum, kBoth, kInit},
+    {"ntfyGiveBackRefused", refusePutNtfy, intfWifiAp_delBase, 9, {kPut, kPut},
+     {"intfWifiAp_delBase: Put notification message management(34) failed(9)\n"}, kNone,
+     fake::kNtfyNum, INTFWIFIAP_FLAGS_BASE_REG_NTFY, kInit},
+};
+
+void PrintTo(const Refusal &r, std::ostream *os) { *os << r.name; }
+
+class Refusals : public Frame, public ::testing::WithParamInterface<Refusal> {};
+
+TEST_P(Refusals, LeaveWhatTheyObtained) {
+    const Refusal &r = GetParam();
+    r.script();
+    EXPECT_EQ(r.op(), r.rc);
+    EXPECT_EQ(fake::names(), r.calls);
+    std::vector<std::string> expected;
+    for (const std::string &l : r.lines) expected.push_back(cap::fmt(l.c_str(), base().c_str()));
+    EXPECT_EQ(cap::texts(), expected);
+    for (const cap::Line &l : cap::lines()) EXPECT_EQ(l.prio, LOG_ERR);
+    EXPECT_EQ(intfWifiAp_getCmdIntfNum(), r.cmdNum);
+    EXPECT_EQ(intfWifiAp_getNtfyIntfNum(), r.ntfyNum);
+    EXPECT_EQ(intfWifiAp_base.flags, r.flags);
+    EXPECT_EQ(intfWifiAp_base.state, r.state);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lifecycle, Refusals, ::testing::ValuesIn(kRefusals),
+                         [](const auto &info) { return std::string(info.param.name); });
+
+TEST_F(Frame, RetryAfterLoopRefusalAsksForBothTablesAgain) {
+    refuseLoop();
+    ASSERT_EQ(intfWifiAp_addBase(), -7);
+    fake::reset();
+    cap::reset();
+    EXPECT_EQ(intfWifiAp_addBase(), 0);
+    EXPECT_EQ(fake::names(), (std::vector<std::string>{kGet, kGet, kLoop}));
+    EXPECT_THAT(cap::lines(), IsEmpty()) << "flags are cleared before the tables are asked again";
+}
+
+TEST_F(Frame, BaseEvents) {
+    intfWifiAp_cbEvtBase(nullptr, 5);
+    intfWifiAp_cbEvtBase(nullptr, 0);  // nothing to delete yet
+    EXPECT_THAT(fake::calls(), IsEmpty());
+    EXPECT_THAT(cap::texts(), ElementsAre("intfWifiAp_cbEvtBase: Unknown event(5)\n",
+                                          "intfWifiAp_delBase: " + cap::fmt(kStateInit.c_str(),
+                                                                            base().c_str()),
+                                          "intfWifiAp_cbEvtBase: Delete Base\n"));
+}
+
+TEST_F(Frame, UnregisterCallbacksClearOnlyTheirFlag) {
+    added();
+    intfWifiAp_cbEvtMsgMngt_unreg_msgCmd(fake::kNtfyNum);
+    EXPECT_THAT(cap::texts(),
+                ElementsAre("intfWifiAp_cbEvtMsgMngt_unreg_msgCmd: Message management(34) unknown\n"));
+    EXPECT_EQ(intfWifiAp_base.flags, kBoth);
+
+    cap::reset();
+    intfWifiAp_cbEvtMsgMngt_unreg_msgNtfy(fake::kNtfyNum);
+    EXPECT_EQ(intfWifiAp_base.flags, INTFWIFIAP_FLAGS_BASE_REG_CMD);
+    EXPECT_EQ(intfWifiAp_getNtfyIntfNum(), fake::kNtfyNum) << "the number is kept";
+    EXPECT_EQ(intfWifiAp_base.state, kInit);
+    EXPECT_THAT(cap::lines(), IsEmpty());
+
+    intfWifiAp_cbEvtMsgMngt_unreg_msgNtfy(fake::kNtfyNum);
+    ASSERT_EQ(cap::lines().size(), 1u);
+    EXPECT_EQ(cap::lines()[0].prio, LOG_WARNING);
+    EXPECT_EQ(cap::texts()[0],
+              "intfWifiAp_cbEvtMsgMngt_unreg_msgNtfy: " +
+                  cap::fmt("Unset Flag[INTFWIFIAP_FLAGS_BASE_REG_NTFY-2] in ctx(%p) not set[1] "
+                           "text[]\n",
+                           (void *)&intfWifiAp_base));
+
+    EXPECT_EQ(intfWifiAp_delBase(), 0);
+    EXPECT_EQ(fake::names(), (std::vector<std::string>{kPut})) << "a dropped table is not put";
+    EXPECT_EQ(fake::calls()[0].args[0], fake::kCmdNum);
+}
+
+TEST_F(Frame, ModDebugStoresTheLevelOnly) {
+    intfWifiAp_desc before;
+    memcpy(&before, &intfWifiAp_base, sizeof before);
+    intfWifiAp_modDebug(7);
+    EXPECT_EQ(intfWifiAp_base.debug, 7u);
+    before.debug = 7;
+    EXPECT_EQ(memcmp(&before, &intfWifiAp_base, sizeof before), 0);
+}
+
+// Block of a table: name, unreg callback, word 2 untouched, six words a row.
+void expectBlock(const std::string &table, const intfWifiAp_tableHdr &hdr,
+                 const intfWifiAp_msgEntry *rows, const std::vector<std::string> &names) {
+    const Words &b = fake::block(table);
+    ASSERT_EQ(b.size(), 3 + 6 * names.size());
+    EXPECT_EQ(b[0], w(hdr.name));
+    EXPECT_STREQ(hdr.name, table.c_str());
+    EXPECT_EQ(b[1], fnw(hdr.unreg));
+    EXPECT_EQ(b[2], fake::kUntouched);
+    for (size_t i = 0; i < names.size(); ++i) {
+        const intfWifiAp_msgEntry &e = rows[i];
+        EXPECT_EQ(e.index, i);
+        EXPECT_STREQ(e.name, names[i].c_str());
+        EXPECT_EQ(Words(b.begin() + 3 + 6 * i, b.begin() + 9 + 6 * i),
+                  (Words{0, w(e.name), fnw(e.freeBody), fnw(e.serializeBody),
+                         fnw(e.unserializeBody), fnw(e.logBody)}))
+            << table << " row " << i;
+    }
+}
+
+TEST_F(Frame, BlocksCarryEveryRow) {
+    ASSERT_EQ(intfWifiAp_addBase(), 0);
+    expectBlock("IntfWifiApCmd", intfWifiAp_base.cmdHdr, intfWifiAp_base.cmd,
+                {"Configure", "SetBridgeAndIps", "SetIps", "Create", "Ssidinfo", "Stop",
+                 "StartWPS", "StartPhysicalWPS", "ToogleWps", "StopWps", "GeneratePinCodeWPS",
+                 "ToogleWifi", "SendAccountingRequest", "GetAssocDevStats",
+                 "ForceApplyMacFilterChange"});
+    expectBlock("IntfWifiApNtfy", intfWifiAp_base.ntfyHdr, intfWifiAp_base.ntfy,
+                {"OnProbeReceived", "AssocDevActiveListChanged", "WpsStatus", "EncryptionStatus",
+                 "DisassocEvent"});
+}
+
+using FrameDeath = Frame;
+
+TEST_F(FrameDeath, WrongDescriptorMagicAborts) {
+    EXPECT_DEATH(
+        {
+            intfWifiAp_base.magic = 0x1234;
+            intfWifiAp_addBase();
+        },
+        "intfWifiAp_addBase\\([0-9]+\\): Magic\\[INTFWIFIAP_MAGIC_BASE-13524830\\] "
+        "Ctx\\[ptr\\(0x[0-9a-f]+\\) magic\\(1234\\)\\] text\\[\\]");
+}
+
+}  // namespace

@@ -1,0 +1,35 @@
+// Fixture of the frame suites: a fresh descriptor, log and framework per test.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "capture.h"
+#include "fake_framework.h"
+#include "intfWifiAp.h"
+
+class Frame : public ::testing::Test {
+protected:
+    void SetUp() override { restore(); }
+    void TearDown() override { restore(); }
+
+    static void restore() {
+        intfWifiAp_base.magic = INTFWIFIAP_MAGIC_BASE;
+        intfWifiAp_base.cmdHdr.num = INTFWIFIAP_NUM_NONE;
+        intfWifiAp_base.ntfyHdr.num = INTFWIFIAP_NUM_NONE;
+        intfWifiAp_base.state = INTFWIFIAP_STATE_BASE_WAIT_INIT;
+        intfWifiAp_base.flags = 0;
+        intfWifiAp_base.debug = 0;
+        cap::reset();
+        fake::reset();
+    }
+
+    static std::string base() { return cap::fmt("%p", (void *)&intfWifiAp_base); }
+
+    // Adds the base and forgets what that logged and called.
+    static void added() {
+        ASSERT_EQ(intfWifiAp_addBase(), 0);
+        cap::reset();
+        fake::reset();
+    }
+};
