@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Installs what the builds and tests need on Debian 12, skipping what is there.
+set -euo pipefail
+pkgs=(cmake ninja-build g++ googletest libgtest-dev libgmock-dev libbenchmark-dev binutils
+      g++-i686-linux-gnu g++-mips-linux-gnu qemu-user)
+missing=()
+for p in "${pkgs[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+if ((${#missing[@]})); then
+  echo "installing: ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update -qq
+  apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi

@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Installs what is missing, then builds every target and runs every test:
+# x86-64 with sanitizers, x86-64 optimised, i686, and big-endian MIPS under qemu.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-deps.sh
+presets=(${PRESETS:-native release i686 mips})
+total=0
+for p in "${presets[@]}"; do
+  echo "=== $p"
+  cmake --preset "$p" >/dev/null
+  cmake --build --preset "$p" -j"$(nproc)"
+  log="build/$p/ctest.log"
+  if ! ctest --preset "$p" -j"$(nproc)" >"$log" 2>&1; then
+    grep -E "Failed|\*\*\*|tests passed" "$log" | tail -n 40
+    ctest --preset "$p" --rerun-failed --output-on-failure 2>&1 | tail -n 80
+    exit 1
+  fi
+  tail -n 3 "$log"
+  n=$(sed -n 's/.*tests passed, 0 tests failed out of \([0-9]*\).*/\1/p' "$log")
+  total=$((total + ${n:-0}))
+done
+echo "all targets passed: ${presets[*]}"
+echo "$total passed, 0 failed"
