@@ -3,8 +3,15 @@
 
 using namespace wifiap;
 
-#define CMD_ROW(idx, tableName, sfx) {nullptr, 0, tableName, nullptr, nullptr, nullptr, nullptr, idx}
-#define NTFY_ROW(idx, tableName, name, sfx) {nullptr, 0, tableName, nullptr, nullptr, nullptr, nullptr, idx}
+// A row: request handler, reserved word, table name, four body callbacks, index.
+#define ROW(idx, tableName, handler, kind, sfx)                                            \
+    {handler, 0, tableName, intfWifiAp_cbEvtMsgMngt_freeBody_##kind##_##sfx,               \
+     intfWifiAp_cbEvtMsgMngt_serializeBody_##kind##_##sfx,                                  \
+     intfWifiAp_cbEvtMsgMngt_unserializeBody_##kind##_##sfx,                                \
+     intfWifiAp_cbEvtMsgMngt_logBody_##kind##_##sfx, idx}
+#define CMD_ROW(idx, tableName, sfx) ROW(idx, tableName, intfWifiAp_recvReq_##sfx, msgCmd, sfx)
+#define NTFY_ROW(idx, tableName, Name, sfx) \
+    ROW(idx, tableName, intfWifiAp_recvReq_ntfy##Name, msgNtfy, sfx)
 
 extern "C" {
 

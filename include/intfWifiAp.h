@@ -361,6 +361,212 @@ INTFWIFIAP_API int32_t intfWifiAp_regUser_msgMngt(ismUser_t user, void *param, v
 INTFWIFIAP_API int32_t intfWifiAp_unregUser_msgMngt(ismUser_t user, uint32_t which);
 INTFWIFIAP_API int32_t intfWifiAp_findSrvMthdNtfyUser(void *a, void *b, uint16_t c, void *d);
 
+
+/* ------------------------------------------------------------------ */
+/* Commands                                                            */
+/* ------------------------------------------------------------------ */
+/*
+ * Client: intfWifiAp_sendReq_<c> hands a request to the framework and returns
+ * its result (0 when the user name is null or memory is short); a two-way
+ * command's callback later receives the response. Server: the framework's
+ * dispatch values go to intfWifiAp_modSrv_recvMsg_<c>, which leads to the
+ * server's method; a two-way command is answered with intfWifiAp_sendRes_<c>
+ * on the method's message handle. Payload pointers handed to methods and
+ * callbacks point into framework-owned contexts: valid during the call only.
+ */
+
+/* Client callbacks of two-way commands. */
+typedef void (*intfWifiAp_resCb_result_t)(ismMsg_t msg, uintptr_t ref, uint32_t result);
+typedef void (*intfWifiAp_resCb_create_t)(ismMsg_t msg, uintptr_t ref, const char *text1,
+                                          const char *text2, uint32_t result);
+typedef void (*intfWifiAp_resCb_wpsInfoOut_t)(ismMsg_t msg, uintptr_t ref, const wpsInfoOut *res);
+typedef void (*intfWifiAp_resCb_accountingResult_t)(ismMsg_t msg, uintptr_t ref,
+                                                    const accountingResult *res);
+typedef void (*intfWifiAp_resCb_assocDevStatList_t)(ismMsg_t msg, uintptr_t ref,
+                                                    const assocDevStatList *res);
+
+/* Server methods. */
+typedef void (*intfWifiAp_mthd_void_t)(ismMsg_t msg, uintptr_t ref);
+typedef void (*intfWifiAp_mthd_text_t)(ismMsg_t msg, uintptr_t ref, const char *text);
+typedef void (*intfWifiAp_mthd_text2_t)(ismMsg_t msg, uintptr_t ref, const char *text1,
+                                        const char *text2);
+typedef void (*intfWifiAp_mthd_conf_t)(ismMsg_t msg, uintptr_t ref, const conf *req);
+typedef void (*intfWifiAp_mthd_wpsInfoIn_t)(ismMsg_t msg, uintptr_t ref, const wpsInfoIn *req);
+typedef void (*intfWifiAp_mthd_accountingParams_t)(ismMsg_t msg, uintptr_t ref,
+                                                   const accountingParams *req);
+
+/* The functions every command has: server dispatch, request handler, body callbacks. */
+#define INTFWIFIAP_CMD_API(c)                                                                   \
+    INTFWIFIAP_API int32_t intfWifiAp_modSrv_recvMsg_##c(ismUser_t user, void *v1, void *v2,    \
+                                                         void *v3);                             \
+    INTFWIFIAP_API void intfWifiAp_recvReq_##c(ismMsg_t msg, void *ctx, void *method,          \
+                                               uintptr_t ref);                                  \
+    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_freeBody_msgCmd_##c(uint32_t bodyType, void *ctx); \
+    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_serializeBody_msgCmd_##c(                   \
+        uint32_t bodyType, void *ctx, uint8_t **body, uint32_t *bodyLg);                        \
+    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_unserializeBody_msgCmd_##c(                 \
+        uint32_t bodyType, const uint8_t *body, void **ctx, uint32_t *ctxSize);                 \
+    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_logBody_msgCmd_##c(void *a, void *b, void *c_,  \
+                                                                   char **text);
+
+INTFWIFIAP_CMD_API(configure)
+INTFWIFIAP_CMD_API(setBridgeAndIps)
+INTFWIFIAP_CMD_API(setIps)
+INTFWIFIAP_CMD_API(create)
+INTFWIFIAP_CMD_API(ssidinfo)
+INTFWIFIAP_CMD_API(stop)
+INTFWIFIAP_CMD_API(startWPS)
+INTFWIFIAP_CMD_API(startPhysicalWPS)
+INTFWIFIAP_CMD_API(toogleWps)
+INTFWIFIAP_CMD_API(stopWps)
+INTFWIFIAP_CMD_API(generatePinCodeWPS)
+INTFWIFIAP_CMD_API(toogleWifi)
+INTFWIFIAP_CMD_API(sendAccountingRequest)
+INTFWIFIAP_CMD_API(getAssocDevStats)
+INTFWIFIAP_CMD_API(forceApplyMacFilterChange)
+
+/* Two-way commands (server method type in brackets). */
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_configure(ismUser_t user, intfWifiAp_resCb_result_t cb,
+                                                     uintptr_t ref, const char *busName,
+                                                     const char *userName, const conf *req);
+INTFWIFIAP_API void intfWifiAp_sendRes_configure(ismMsg_t msg, uint32_t result); /* mthd_conf */
+
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_create(ismUser_t user, intfWifiAp_resCb_create_t cb,
+                                                  uintptr_t ref, const char *busName,
+                                                  const char *userName, const char *text1,
+                                                  const char *text2);
+INTFWIFIAP_API void intfWifiAp_sendRes_create(ismMsg_t msg, const char *text1, const char *text2,
+                                              uint32_t result); /* mthd_text2 */
+
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_ssidinfo(ismUser_t user, intfWifiAp_resCb_result_t cb,
+                                                    uintptr_t ref, const char *busName,
+                                                    const char *userName, const char *text);
+INTFWIFIAP_API void intfWifiAp_sendRes_ssidinfo(ismMsg_t msg, uint32_t result); /* mthd_text */
+
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_stop(ismUser_t user, intfWifiAp_resCb_result_t cb,
+                                                uintptr_t ref, const char *busName,
+                                                const char *userName);
+INTFWIFIAP_API void intfWifiAp_sendRes_stop(ismMsg_t msg, uint32_t result); /* mthd_void */
+
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_startWPS(ismUser_t user,
+                                                    intfWifiAp_resCb_wpsInfoOut_t cb,
+                                                    uintptr_t ref, const char *busName,
+                                                    const char *userName, const wpsInfoIn *req);
+INTFWIFIAP_API void intfWifiAp_sendRes_startWPS(ismMsg_t msg,
+                                                const wpsInfoOut *res); /* mthd_wpsInfoIn */
+
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_startPhysicalWPS(ismUser_t user,
+                                                            intfWifiAp_resCb_wpsInfoOut_t cb,
+                                                            uintptr_t ref, const char *busName,
+                                                            const char *userName,
+                                                            const wpsInfoIn *req);
+INTFWIFIAP_API void intfWifiAp_sendRes_startPhysicalWPS(ismMsg_t msg,
+                                                        const wpsInfoOut *res); /* mthd_wpsInfoIn */
+
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_generatePinCodeWPS(ismUser_t user,
+                                                              intfWifiAp_resCb_result_t cb,
+                                                              uintptr_t ref, const char *busName,
+                                                              const char *userName);
+INTFWIFIAP_API void intfWifiAp_sendRes_generatePinCodeWPS(ismMsg_t msg,
+                                                          uint32_t result); /* mthd_void */
+
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_sendAccountingRequest(
+    ismUser_t user, intfWifiAp_resCb_accountingResult_t cb, uintptr_t ref, const char *busName,
+    const char *userName, const accountingParams *req);
+INTFWIFIAP_API void intfWifiAp_sendRes_sendAccountingRequest(
+    ismMsg_t msg, const accountingResult *res); /* mthd_accountingParams */
+
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_getAssocDevStats(ismUser_t user,
+                                                            intfWifiAp_resCb_assocDevStatList_t cb,
+                                                            uintptr_t ref, const char *busName,
+                                                            const char *userName);
+INTFWIFIAP_API void intfWifiAp_sendRes_getAssocDevStats(ismMsg_t msg,
+                                                        const assocDevStatList *res); /* mthd_void */
+
+/* One-way commands. */
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_setBridgeAndIps(ismUser_t user, const char *busName,
+                                                           const char *userName,
+                                                           const char *bridge,
+                                                           const char *ips); /* mthd_text2 */
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_setIps(ismUser_t user, const char *busName,
+                                                  const char *userName,
+                                                  const char *ips); /* mthd_text */
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_toogleWps(ismUser_t user, const char *busName,
+                                                     const char *userName); /* mthd_void */
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_stopWps(ismUser_t user, const char *busName,
+                                                   const char *userName); /* mthd_void */
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_toogleWifi(ismUser_t user, const char *busName,
+                                                      const char *userName); /* mthd_void */
+INTFWIFIAP_API uint32_t intfWifiAp_sendReq_forceApplyMacFilterChange(
+    ismUser_t user, const char *busName, const char *userName); /* mthd_void */
+
+/* ------------------------------------------------------------------ */
+/* Notifications                                                       */
+/* ------------------------------------------------------------------ */
+/*
+ * Server: intfWifiAp_sendReq_ntfy<Name> publishes; the framework's need-update
+ * dispatch goes to intfWifiAp_modSrv_needUpdate_ntfy<Name>. Client: the
+ * framework's dispatch values go to intfWifiAp_modCliNtfyUser_recvMsg_<name>,
+ * which leads to the client's method.
+ */
+typedef void (*intfWifiAp_ntfyMthd_probeRequest_t)(ismMsg_t msg, uintptr_t ref,
+                                                   const probeRequest *ntfy);
+typedef void (*intfWifiAp_ntfyMthd_assocDevList_t)(ismMsg_t msg, uintptr_t ref,
+                                                   const assocDevList *ntfy);
+typedef void (*intfWifiAp_ntfyMthd_wpsStatusStruct_t)(ismMsg_t msg, uintptr_t ref,
+                                                      const wpsStatusStruct *ntfy);
+typedef void (*intfWifiAp_ntfyMthd_encStatus_t)(ismMsg_t msg, uintptr_t ref, uint32_t encStatus);
+typedef void (*intfWifiAp_ntfyMthd_assocDevInfo_t)(ismMsg_t msg, uintptr_t ref,
+                                                   const assocDevInfo *ntfy);
+
+#define INTFWIFIAP_NTFY_API(Name, name)                                                         \
+    INTFWIFIAP_API int32_t intfWifiAp_modCliNtfyUser_recvMsg_##name(                            \
+        ismUser_t user, void *v1, void *v2, void *v3, const char *busName, const char *userName); \
+    INTFWIFIAP_API void intfWifiAp_recvReq_ntfy##Name(ismMsg_t msg, void *ctx, void *method,   \
+                                                      uintptr_t ref);                           \
+    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_freeBody_msgNtfy_##name(uint32_t bodyType,     \
+                                                                        void *ctx);             \
+    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_serializeBody_msgNtfy_##name(               \
+        uint32_t bodyType, void *ctx, uint8_t **body, uint32_t *bodyLg);                        \
+    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_unserializeBody_msgNtfy_##name(             \
+        uint32_t bodyType, const uint8_t *body, void **ctx, uint32_t *ctxSize);                 \
+    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_logBody_msgNtfy_##name(void *a, void *b,       \
+                                                                       void *c, char **text);
+
+INTFWIFIAP_NTFY_API(OnProbeReceived, onProbeReceived)
+INTFWIFIAP_NTFY_API(AssocDevActiveListChanged, assocDevActiveListChanged)
+INTFWIFIAP_NTFY_API(WpsStatus, wpsStatus)
+INTFWIFIAP_NTFY_API(EncryptionStatus, encryptionStatus)
+INTFWIFIAP_NTFY_API(DisassocEvent, disassocEvent)
+
+INTFWIFIAP_API void intfWifiAp_sendReq_ntfyOnProbeReceived(ismUser_t user, const char *busName,
+                                                           const char *userName,
+                                                           const probeRequest *ntfy);
+INTFWIFIAP_API void intfWifiAp_sendReq_ntfyAssocDevActiveListChanged(ismUser_t user,
+                                                                     const char *busName,
+                                                                     const char *userName,
+                                                                     const assocDevList *ntfy);
+INTFWIFIAP_API void intfWifiAp_sendReq_ntfyWpsStatus(ismUser_t user, const char *busName,
+                                                     const char *userName,
+                                                     const wpsStatusStruct *ntfy);
+INTFWIFIAP_API void intfWifiAp_sendReq_ntfyEncryptionStatus(ismUser_t user, const char *busName,
+                                                            const char *userName,
+                                                            uint32_t encStatus);
+INTFWIFIAP_API void intfWifiAp_sendReq_ntfyDisassocEvent(ismUser_t user, const char *busName,
+                                                         const char *userName,
+                                                         const assocDevInfo *ntfy);
+
+INTFWIFIAP_API int32_t intfWifiAp_modSrv_needUpdate_ntfyOnProbeReceived(ismUser_t user, void *v1,
+                                                                        void *v2, void *v3);
+INTFWIFIAP_API int32_t intfWifiAp_modSrv_needUpdate_ntfyAssocDevActiveListChanged(ismUser_t user,
+                                                                                  void *v1,
+                                                                                  void *v2,
+                                                                                  void *v3);
+INTFWIFIAP_API int32_t intfWifiAp_modSrv_needUpdate_ntfyWpsStatus(ismUser_t user, void *v1,
+                                                                  void *v2, void *v3);
+INTFWIFIAP_API int32_t intfWifiAp_modSrv_needUpdate_ntfyEncryptionStatus(ismUser_t user, void *v1,
+                                                                         void *v2, void *v3);
+
 #ifdef __cplusplus
 }
 #endif

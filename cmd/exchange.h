@@ -1,0 +1,72 @@
+// The exchange engine: every command and notification is a descriptor, and
+// these functions do all that the messages have in common. Only the typed
+// adaptors (send arguments, method and callback calls) are written per message.
+#pragma once
+
+#include "codec.h"
+#include "internal.h"
+
+namespace wifiap::msg {
+
+struct Desc {
+    const char *sfx;        // callback suffix: "configure", "wpsStatus"
+    const char *typedSfx;   // sendReq/recvReq suffix: "configure", "ntfyWpsStatus"
+    uint32_t index;         // row in its table
+    uint32_t magic;
+    const char *magicName;
+    uint16_t version;       // body version, compared in its low 16 bits
+    bool ntfy;              // a notification: one body type, hold word tested first
+    bool twoWay;            // a command with a response
+    const codec::Ops *req;  // payload of the request (notification); null: header only
+    const codec::Ops *res;  // payload of the response; null: none or header only
+};
+
+// Message context: magic and hold word, then the payload in place.
+struct CtxHead {
+    uint32_t magic;
+    uint16_t hold;
+};
+
+inline size_t payloadOffset(const codec::Ops *ops) {
+    size_t a = ops ? ops->align : 1;
+    return (sizeof(uint32_t) + sizeof(uint16_t) + a - 1) / a * a;
+}
+inline void *payloadOf(void *ctx, const codec::Ops *ops) {
+    return static_cast<uint8_t *>(ctx) + payloadOffset(ops);
+}
+
+// Body callbacks.
+void freeBody(const Desc &d, uint32_t type, void *ctx);
+uint32_t serializeBody(const Desc &d, uint32_t type, void *ctx, uint8_t **body, uint32_t *len);
+uint32_t unserializeBody(const Desc &d, uint32_t type, const uint8_t *body, void **ctx,
+                         uint32_t *size);
+void logBody(const Desc &d, char **text);
+
+// Client: a request (two-way when cb is given), or a notification from the server.
+uint32_t sendReq(const Desc &d, ismResHandler_t handler, ismUser_t user, void *cb, uintptr_t ref,
+                 const char *bus,
+                 const char *name, const void *payload);
+void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name,
+              const void *payload);
+// Server: the response to `msg`, unless the framework needs none.
+void sendRes(const Desc &d, ismMsg_t msg, const void *payload);
+
+int32_t modSrvRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3);
+int32_t modCliNtfyRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3,
+                          const char *bus, const char *name);
+int32_t needUpdate(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3);
+
+// Checks a received request or notification context; returns its payload when
+// the method is to be called, null when the context was null or handed back.
+const void *recvReq(const Desc &d, ismMsg_t msg, void *ctx, void *method);
+
+// Checks a response context; returns its payload and the client's callback and
+// reference when the callback is to be called.
+struct Answer {
+    const void *payload;
+    void *cb;
+    uintptr_t ref;
+};
+Answer recvRes(const Desc &d, ismMsg_t msg, void *ctx);
+
+}  // namespace wifiap::msg
