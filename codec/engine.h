@@ -1,0 +1,399 @@
+// Records are described by constant tables of fields; one engine, instantiated
+// per table, copies, sizes, writes and reads them. The instantiation lets the
+// compiler see every tag, offset and width as a constant, so a record compiles
+// to straight code; only the failure paths walk a table at run time.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+#include <string.h>
+
+#include <type_traits>
+#include <utility>
+
+#include "codec.h"
+#include "wire.h"
+
+namespace wifiap::codec {
+
+enum class Kind : uint8_t { U8, S8, U16, S16, U32, U64, Text, Nested, List };
+
+struct Desc;
+
+struct Field {
+    Kind kind;
+    uint32_t off;
+    uint32_t cap = 0;           // text: bytes, NUL included; list: slots
+    const Desc *sub = nullptr;  // nested record, or list item
+    uint32_t countOff = 0;      // list: its count field, an earlier 32-bit field
+    uint32_t stride = 0;        // list: bytes per slot
+};
+
+struct Desc {
+    const char *name;  // as in the exported names; "" for bare payloads
+    const Field *fields;
+    uint32_t count;
+    uint32_t firstTag;
+};
+
+template <class T>
+constexpr Field intField(uint32_t off) {
+    static_assert(std::is_integral_v<T> && sizeof(T) <= 8);
+    constexpr bool s = std::is_signed_v<T>;
+    constexpr Kind k = sizeof(T) == 1   ? (s ? Kind::S8 : Kind::U8)
+                       : sizeof(T) == 2 ? (s ? Kind::S16 : Kind::U16)
+                       : sizeof(T) == 4 ? Kind::U32
+                                        : Kind::U64;
+    return Field{k, off};
+}
+
+// Field makers, so that a table names each member once.
+#define WF_INT(R, f) ::wifiap::codec::intField<decltype(R::f)>(offsetof(R, f))
+#define WF_TEXT(R, f) ::wifiap::codec::Field{::wifiap::codec::Kind::Text, offsetof(R, f), sizeof(R::f)}
+#define WF_NESTED(R, f, D) ::wifiap::codec::Field{::wifiap::codec::Kind::Nested, offsetof(R, f), 0, &(D)}
+#define WF_LIST(R, f, n, D)                                                                \
+    ::wifiap::codec::Field {                                                               \
+        ::wifiap::codec::Kind::List, offsetof(R, f), sizeof(R::f) / sizeof(R::f[0]), &(D), \
+            offsetof(R, n), sizeof(R::f[0])                                                \
+    }
+
+template <size_t N>
+constexpr Desc makeDesc(const char *name, const Field (&fields)[N], uint32_t firstTag = 3) {
+    return Desc{name, fields, N, firstTag};
+}
+
+constexpr bool isScalar(Kind k) { return k <= Kind::U32; }
+constexpr bool hasElement(Kind k) { return k != Kind::Nested && k != Kind::List; }
+
+// Encoded size of a record whose size does not depend on its contents, else -1.
+constexpr int64_t fixedSize(const Desc &d) {
+    int64_t sum = 0;
+    for (uint32_t i = 0; i < d.count; ++i) {
+        const Field &f = d.fields[i];
+        if (isScalar(f.kind)) sum += kScalarSize;
+        else if (f.kind == Kind::U64) sum += kWideSize;
+        else if (f.kind == Kind::Nested && fixedSize(*f.sub) >= 0) sum += fixedSize(*f.sub);
+        else return -1;
+    }
+    return sum;
+}
+
+// Where a read stands: the cursor and the bytes left before the end. A caller
+// that trusts its buffer reads unbounded: `left` is then never the limit and
+// texts are measured to their NUL wherever it lies.
+struct Reader {
+    const uint8_t *p;
+    size_t left;
+    bool bounded;
+};
+
+// Failure paths, shared by every record. Each logs the reason (if the field
+// has one of its own) and the "Error Before" lines of the fields after
+// `idx`, and returns false.
+[[gnu::cold]] bool failElement(const Desc &d, uint32_t idx, const Reader &rd,
+                               const uint8_t *start, const ReadLog *log);
+[[gnu::cold]] bool failText(const Desc &d, uint32_t idx, const Reader &rd, const uint8_t *start,
+                            const ReadLog *log);
+[[gnu::cold]] bool failAfter(const Desc &d, uint32_t idx, const uint8_t *start,
+                             const ReadLog *log);
+[[gnu::cold]] void copyFailed(const Desc &d, const Field &f, uint32_t status);
+
+template <const Desc *D>
+struct Rec {
+    static constexpr uint32_t kCount = D->count;
+    static constexpr int64_t kFixed = fixedSize(*D);
+
+    template <size_t I>
+    static constexpr Field kF = D->fields[I];
+    template <size_t I>
+    static constexpr uint32_t kTag = D->firstTag + I;
+
+    template <class Fn>
+    static constexpr bool all(Fn &&fn) {
+        return [&]<size_t... I>(std::index_sequence<I...>) {
+            return (fn(std::integral_constant<size_t, I>{}) && ...);
+        }(std::make_index_sequence<kCount>{});
+    }
+
+    static uint32_t items(const uint8_t *rec, const Field &f) {
+        uint32_t n;
+        memcpy(&n, rec + f.countOff, sizeof n);
+        return n < f.cap ? n : f.cap;
+    }
+
+    static uint32_t copy(uint8_t *dst, const uint8_t *src) {
+        uint32_t st = 0;
+        all([&](auto i) { return (st = copyField<i>(dst, src)) == 0; });
+        return st;
+    }
+
+    static void clean(uint8_t *rec) {
+        if (!rec) return;
+        all([&](auto i) {
+            constexpr Field f = kF<i>;
+            if constexpr (f.kind == Kind::Nested) {
+                Rec<f.sub>::clean(rec + f.off);
+            } else if constexpr (f.kind == Kind::List) {
+                for (uint32_t k = 0, n = items(rec, f); k < n; ++k)
+                    Rec<f.sub>::clean(rec + f.off + k * f.stride);
+            }
+            return true;
+        });
+    }
+
+    static uint32_t size(const uint8_t *rec) {
+        if constexpr (kFixed >= 0) {
+            return uint32_t(kFixed);
+        } else {
+            uint32_t sum = 0;
+            all([&](auto i) {
+                sum += fieldSize<i>(rec);
+                return true;
+            });
+            return sum;
+        }
+    }
+
+    static void write(const uint8_t *rec, uint8_t *&p) {
+        all([&](auto i) {
+            writeField<i>(rec, p);
+            return true;
+        });
+    }
+
+    // 0, or 4 once a field failed (logged, cursor at the failure).
+    static uint32_t read(uint8_t *rec, Reader &rd, const ReadLog *log) {
+        const uint8_t *start = rd.p;
+        bool ok = all([&](auto i) { return readField<i>(rec, rd, start, log); });
+        return ok ? INTFWIFIAP_STATUS_OK : INTFWIFIAP_STATUS_ENCODING;
+    }
+
+private:
+    template <size_t I>
+    static uint32_t copyField(uint8_t *dst, const uint8_t *src) {
+        constexpr Field f = kF<I>;
+        if constexpr (f.kind == Kind::Text) {
+            copyText(reinterpret_cast<char *>(dst + f.off),
+                     reinterpret_cast<const char *>(src + f.off), f.cap);
+        } else if constexpr (f.kind == Kind::Nested) {
+            uint32_t st = Rec<f.sub>::copy(dst + f.off, src + f.off);
+            if (st) [[unlikely]] {
+                copyFailed(*D, f, st);
+                return st;
+            }
+        } else if constexpr (f.kind == Kind::List) {
+            for (uint32_t k = 0, n = items(src, f); k < n; ++k) {
+                uint32_t st = Rec<f.sub>::copy(dst + f.off + k * f.stride,
+                                               src + f.off + k * f.stride);
+                if (st) [[unlikely]] {
+                    copyFailed(*D, f, st);
+                    return st;
+                }
+            }
+        } else {
+            memcpy(dst + f.off, src + f.off, width(f.kind));
+        }
+        return 0;
+    }
+
+    template <size_t I>
+    static uint32_t fieldSize(const uint8_t *rec) {
+        constexpr Field f = kF<I>;
+        if constexpr (isScalar(f.kind)) {
+            return kScalarSize;
+        } else if constexpr (f.kind == Kind::U64) {
+            return kWideSize;
+        } else if constexpr (f.kind == Kind::Text) {
+            return 8 + textValueLen(strnlen(reinterpret_cast<const char *>(rec + f.off), f.cap));
+        } else if constexpr (f.kind == Kind::Nested) {
+            return Rec<f.sub>::size(rec + f.off);
+        } else {
+            using Item = Rec<f.sub>;
+            uint32_t n = items(rec, f);
+            if constexpr (Item::kFixed >= 0) {
+                return n * uint32_t(Item::kFixed);
+            } else {
+                uint32_t sum = 0;
+                for (uint32_t k = 0; k < n; ++k) sum += Item::size(rec + f.off + k * f.stride);
+                return sum;
+            }
+        }
+    }
+
+    template <size_t I>
+    static void writeField(const uint8_t *rec, uint8_t *&p) {
+        constexpr Field f = kF<I>;
+        constexpr uint32_t tag = kTag<I>;
+        if constexpr (isScalar(f.kind)) {
+            put32(p, tag);
+            put32(p + 4, 4);
+            put32(p + 8, loadWidened<f.kind>(rec + f.off));
+            p += kScalarSize;
+        } else if constexpr (f.kind == Kind::U64) {
+            uint64_t v;
+            memcpy(&v, rec + f.off, sizeof v);
+            put64(p, tag);
+            put64(p + 8, 8);
+            put64(p + 16, v);
+            p += kWideSize;
+        } else if constexpr (f.kind == Kind::Text) {
+            const char *s = reinterpret_cast<const char *>(rec + f.off);
+            uint32_t n = strnlen(s, f.cap);
+            uint32_t len = textValueLen(n);
+            put32(p, tag);
+            put32(p + 4, len);
+            memcpy(p + 8, s, n);
+            p[8 + n] = 0;  // the pad bytes after it are the caller's zeros
+            p += 8 + len;
+        } else if constexpr (f.kind == Kind::Nested) {
+            Rec<f.sub>::write(rec + f.off, p);
+        } else {
+            for (uint32_t k = 0, n = items(rec, f); k < n; ++k)
+                Rec<f.sub>::write(rec + f.off + k * f.stride, p);
+        }
+    }
+
+    template <size_t I>
+    static bool readField(uint8_t *rec, Reader &rd, const uint8_t *start, const ReadLog *log) {
+        constexpr Field f = kF<I>;
+        constexpr uint32_t tag = kTag<I>;
+        if constexpr (isScalar(f.kind)) {
+            if (rd.left < kScalarSize) [[unlikely]]
+                return failElement(*D, I, rd, start, log);
+            uint32_t len = get32(rd.p + 4);
+            if (get32(rd.p) != tag || len > rd.left - 8) [[unlikely]]
+                return failElement(*D, I, rd, start, log);
+            storeNarrowed<f.kind>(rec + f.off, get32(rd.p + 8));
+            rd.p += 8 + size_t(len);
+            rd.left -= 8 + size_t(len);
+        } else if constexpr (f.kind == Kind::U64) {
+            if (rd.left < kWideSize) [[unlikely]]
+                return failElement(*D, I, rd, start, log);
+            // The whole 64-bit tag must match; only the low half of the length counts.
+            uint32_t len = uint32_t(get64(rd.p + 8));
+            if (get64(rd.p) != tag || len > rd.left - 16) [[unlikely]]
+                return failElement(*D, I, rd, start, log);
+            uint64_t v = get64(rd.p + 16);
+            memcpy(rec + f.off, &v, sizeof v);
+            rd.p += 16 + size_t(len);
+            rd.left -= 16 + size_t(len);
+        } else if constexpr (f.kind == Kind::Text) {
+            if (rd.left < 8) [[unlikely]]
+                return failElement(*D, I, rd, start, log);
+            uint32_t len = get32(rd.p + 4);
+            if (get32(rd.p) != tag || len > rd.left - 8) [[unlikely]]
+                return failElement(*D, I, rd, start, log);
+            const char *v = reinterpret_cast<const char *>(rd.p + 8);
+            size_t limit = rd.bounded && len < f.cap ? len : f.cap;
+            size_t n = strnlen(v, limit);
+            if (n == limit) [[unlikely]]
+                return failText(*D, I, rd, start, log);
+            memcpy(rec + f.off, v, n + 1);
+            rd.p += 8 + size_t(len);
+            rd.left -= 8 + size_t(len);
+        } else if constexpr (f.kind == Kind::Nested) {
+            if (Rec<f.sub>::read(rec + f.off, rd, nullptr)) [[unlikely]]
+                return failAfter(*D, I, start, log);
+        } else {
+            for (uint32_t k = 0, n = items(rec, f); k < n; ++k)
+                if (Rec<f.sub>::read(rec + f.off + k * f.stride, rd, nullptr)) [[unlikely]]
+                    return failAfter(*D, I, start, log);
+        }
+        return true;
+    }
+
+    static constexpr size_t width(Kind k) {
+        return k == Kind::U8 || k == Kind::S8 ? 1 : k == Kind::U16 || k == Kind::S16 ? 2
+                                                : k == Kind::U32                     ? 4
+                                                                                     : 8;
+    }
+
+    template <Kind K>
+    static uint32_t loadWidened(const uint8_t *src) {
+        if constexpr (K == Kind::U8) return *src;
+        else if constexpr (K == Kind::S8) return uint32_t(int32_t(int8_t(*src)));
+        else {
+            std::conditional_t<K == Kind::U32, uint32_t,
+                               std::conditional_t<K == Kind::S16, int16_t, uint16_t>>
+                v;
+            memcpy(&v, src, sizeof v);
+            return uint32_t(int32_t(v));
+        }
+    }
+
+    template <Kind K>
+    static void storeNarrowed(uint8_t *dst, uint32_t v) {
+        if constexpr (K == Kind::U8 || K == Kind::S8) {
+            *dst = uint8_t(v);
+        } else if constexpr (K == Kind::U16 || K == Kind::S16) {
+            uint16_t w = uint16_t(v);
+            memcpy(dst, &w, sizeof w);
+        } else {
+            memcpy(dst, &v, sizeof v);
+        }
+    }
+};
+
+// The operations behind a descriptor, in the shapes the exchange engines and
+// the exported functions need.
+template <const Desc *D>
+uint32_t opCopy(void *dst, const void *src) {
+    return Rec<D>::copy(static_cast<uint8_t *>(dst), static_cast<const uint8_t *>(src));
+}
+template <const Desc *D>
+void opClean(void *rec) {
+    Rec<D>::clean(static_cast<uint8_t *>(rec));
+}
+template <const Desc *D>
+uint32_t opSize(const void *rec) {
+    return Rec<D>::size(static_cast<const uint8_t *>(rec));
+}
+template <const Desc *D>
+uint32_t opWrite(const void *rec, uint8_t **cursor) {
+    Rec<D>::write(static_cast<const uint8_t *>(rec), *cursor);
+    return INTFWIFIAP_STATUS_OK;
+}
+template <const Desc *D>
+uint32_t opRead(void *rec, const uint8_t **cursor, size_t left, const ReadLog &log) {
+    Reader rd{*cursor, left, true};
+    uint32_t st = Rec<D>::read(static_cast<uint8_t *>(rec), rd, &log);
+    *cursor = rd.p;
+    return st;
+}
+// The exported form: the caller vouches for its buffer.
+template <const Desc *D>
+uint32_t opReadTrusted(void *rec, const uint8_t **cursor) {
+    Reader rd{*cursor, SIZE_MAX, false};
+    uint32_t st = Rec<D>::read(static_cast<uint8_t *>(rec), rd, nullptr);
+    *cursor = rd.p;
+    return st;
+}
+
+template <class T, const Desc *D>
+constexpr Ops makeOps() {
+    return Ops{D->name, sizeof(T), alignof(T), opCopy<D>, opClean<D>, opSize<D>, opWrite<D>,
+               opRead<D>};
+}
+
+}  // namespace wifiap::codec
+
+// A record R described by D: its Ops, and its five exported functions.
+#define WIFIAP_RECORD(R, OPS, D)                                                           \
+    constinit const ::wifiap::codec::Ops OPS = ::wifiap::codec::makeOps<R, &D>();          \
+    extern "C" INTFWIFIAP_API uint32_t intfWifiAp_##R##_copy(R *dst, const R *src) {       \
+        return ::wifiap::codec::opCopy<&D>(dst, src);                                      \
+    }                                                                                      \
+    extern "C" INTFWIFIAP_API void intfWifiAp_##R##_clean(R *rec) {                        \
+        ::wifiap::codec::opClean<&D>(rec);                                                 \
+    }                                                                                      \
+    extern "C" INTFWIFIAP_API uint32_t intfWifiAp_##R##_serialize_lg(const R *rec) {       \
+        return ::wifiap::codec::opSize<&D>(rec);                                           \
+    }                                                                                      \
+    extern "C" INTFWIFIAP_API uint32_t intfWifiAp_##R##_serialize(const R *rec,            \
+                                                                  uint8_t **cursor) {      \
+        return ::wifiap::codec::opWrite<&D>(rec, cursor);                                  \
+    }                                                                                      \
+    extern "C" INTFWIFIAP_API uint32_t intfWifiAp_##R##_unserialize(R *rec,                \
+                                                                    const uint8_t **cursor) { \
+        return ::wifiap::codec::opReadTrusted<&D>(rec, cursor);                            \
+    }

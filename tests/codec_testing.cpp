@@ -1,0 +1,122 @@
+#include "codec_testing.h"
+
+#include <stdexcept>
+
+#include "records.h"
+
+namespace ct {
+
+using namespace wifiap::codec;
+
+#define CT_RECORD(R, OPS, D)                                                              \
+    RecordApi {                                                                           \
+        #R, &OPS, &D, [](void *d, const void *s) {                                        \
+            return intfWifiAp_##R##_copy(static_cast<R *>(d), static_cast<const R *>(s)); \
+        },                                                                                \
+            [](void *r) { intfWifiAp_##R##_clean(static_cast<R *>(r)); },                 \
+            [](const void *r) { return intfWifiAp_##R##_serialize_lg(static_cast<const R *>(r)); }, \
+            [](const void *r, uint8_t **c) {                                              \
+                return intfWifiAp_##R##_serialize(static_cast<const R *>(r), c);          \
+            },                                                                            \
+            [](void *r, const uint8_t **c) {                                              \
+                return intfWifiAp_##R##_unserialize(static_cast<R *>(r), c);              \
+            }                                                                             \
+    }
+
+const std::vector<RecordApi> &records() {
+    static const std::vector<RecordApi> all = {
+        CT_RECORD(wpsInfoIn, kWpsInfoIn, kWpsInfoInDesc),
+        CT_RECORD(wpsInfoOut, kWpsInfoOut, kWpsInfoOutDesc),
+        CT_RECORD(conf, kConf, kConfDesc),
+        CT_RECORD(rateStats, kRateStats, kRateStatsDesc),
+        CT_RECORD(assocDevInfo, kAssocDevInfo, kAssocDevInfoDesc),
+        CT_RECORD(assocDevList, kAssocDevList, kAssocDevListDesc),
+        CT_RECORD(probeRequest, kProbeRequest, kProbeRequestDesc),
+        CT_RECORD(perRateStats, kPerRateStats, kPerRateStatsDesc),
+        CT_RECORD(assocDevStats, kAssocDevStats, kAssocDevStatsDesc),
+        CT_RECORD(wpsStatusStruct, kWpsStatusStruct, kWpsStatusStructDesc),
+        CT_RECORD(accountingParams, kAccountingParams, kAccountingParamsDesc),
+        CT_RECORD(accountingResult, kAccountingResult, kAccountingResultDesc),
+        CT_RECORD(assocDevStatus, kAssocDevStatus, kAssocDevStatusDesc),
+        CT_RECORD(assocDevInfoFull, kAssocDevInfoFull, kAssocDevInfoFullDesc),
+        CT_RECORD(assocDevStatList, kAssocDevStatList, kAssocDevStatListDesc),
+    };
+    return all;
+}
+
+const RecordApi &record(const std::string &name) {
+    for (const RecordApi &r : records())
+        if (name == r.name) return r;
+    throw std::invalid_argument(name);
+}
+
+namespace {
+size_t widthOf(Kind k) {
+    switch (k) {
+    case Kind::U8: case Kind::S8: return 1;
+    case Kind::U16: case Kind::S16: return 2;
+    case Kind::U32: return 4;
+    default: return 8;
+    }
+}
+
+void fill(const Desc &d, uint8_t *rec, std::mt19937 &rng, uint32_t maxItems) {
+    static const char kChars[] = "abcdefghijklmnopqrstuvwxyz0123456789:-_ ";
+    for (uint32_t i = 0; i < d.count; ++i) {
+        const Field &f = d.fields[i];
+        uint8_t *at = rec + f.off;
+        switch (f.kind) {
+        case Kind::Text: {
+            // Lengths at the edges of the padding and of the capacity are the interesting ones.
+            uint32_t n = rng() % 3 == 0 ? f.cap - 1 - rng() % 4 : rng() % f.cap;
+            for (uint32_t k = 0; k < n; ++k) at[k] = uint8_t(kChars[rng() % (sizeof kChars - 1)]);
+            break;
+        }
+        case Kind::Nested:
+            fill(*f.sub, at, rng, maxItems);
+            break;
+        case Kind::List: {
+            uint32_t pick = rng() % 4;
+            uint32_t n = pick == 0 ? f.cap + 1 + rng() % 1000 : pick == 1 ? f.cap : rng() % (f.cap + 1);
+            if (n > maxItems) n = maxItems;
+            memcpy(rec + f.countOff, &n, sizeof n);
+            for (uint32_t k = 0; k < n && k < f.cap; ++k)
+                fill(*f.sub, at + k * f.stride, rng, maxItems);
+            break;
+        }
+        default:
+            for (size_t k = 0; k < widthOf(f.kind); ++k) at[k] = uint8_t(rng());
+        }
+    }
+}
+}  // namespace
+
+void randomFill(const RecordApi &r, void *rec, std::mt19937 &rng, uint32_t maxItems) {
+    fill(*r.desc, static_cast<uint8_t *>(rec), rng, maxItems);
+}
+
+Bytes encode(const RecordApi &r, const void *rec) {
+    Bytes out(r.lg(rec));
+    uint8_t *cur = out.data();
+    r.ser(rec, &cur);
+    if (cur != out.data() + out.size()) throw std::runtime_error("serialize moved the cursor wrongly");
+    return out;
+}
+
+std::vector<std::string> expand(const std::vector<std::string> &lines, const uint8_t *base,
+                                const void *other) {
+    std::vector<std::string> out;
+    for (std::string l : lines) {
+        for (size_t at; (at = l.find("{B}")) != std::string::npos;)
+            l.replace(at, 3, cap::fmt("%p", other));
+        for (size_t at; (at = l.find("{+")) != std::string::npos;) {
+            size_t end = l.find('}', at);
+            size_t off = std::stoul(l.substr(at + 2, end - at - 2));
+            l.replace(at, end - at + 1, cap::fmt("%p", static_cast<const void *>(base + off)));
+        }
+        out.push_back(l + "\n");
+    }
+    return out;
+}
+
+}  // namespace ct
