@@ -158,6 +158,8 @@ std::vector<ReadFail> lies() {
     };
 }
 
+void PrintTo(const ReadFail &c, std::ostream *os) { *os << c.what; }
+
 std::string caseName(const testing::TestParamInfo<ReadFail> &i) {
     std::string n;
     for (const char *p = i.param.what; *p; ++p) n += isalnum(uint8_t(*p)) ? *p : '_';

@@ -5,6 +5,7 @@
 #include <string.h>
 
 #include <memory>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -66,6 +67,8 @@ struct RecordApi {
     uint32_t (*ser)(const void *, uint8_t **);
     uint32_t (*unser)(void *, const uint8_t **);
 };
+
+inline void PrintTo(const RecordApi &r, std::ostream *os) { *os << r.name; }
 
 const std::vector<RecordApi> &records();
 const RecordApi &record(const std::string &name);
