@@ -7,6 +7,8 @@
 #include <string.h>
 #include <syslog.h>
 
+#include <unordered_set>
+
 #include <gtest/gtest.h>
 
 extern "C" {
@@ -21,6 +23,9 @@ std::vector<Line> g_lines;
 int g_failIn = -1;
 long g_allocs = 0;
 long g_live = 0;
+// Blocks from the wrapped allocators: code linked in (the test framework)
+// also frees memory that libc handed out, which must not count.
+std::unordered_set<void *> g_blocks;
 uint32_t g_lastFreed = 0;
 
 bool shouldFail() {
@@ -59,6 +64,13 @@ void reset() {
     g_lastFreed = 0;
 }
 
+void track(void *p) {
+    if (!p) return;
+    ++g_allocs;
+    ++g_live;
+    g_blocks.insert(p);
+}
+
 std::string fmt(const char *f, ...) {
     char buf[1024];
     va_list ap;
@@ -89,19 +101,19 @@ void __wrap_syslog(int prio, const char *f, ...) {
 void *__wrap_malloc(size_t n) {
     if (cap::shouldFail()) return nullptr;
     void *p = __real_malloc(n);
-    if (p) ++cap::g_allocs, ++cap::g_live;
+    cap::track(p);
     return p;
 }
 
 void *__wrap_calloc(size_t n, size_t m) {
     if (cap::shouldFail()) return nullptr;
     void *p = __real_calloc(n, m);
-    if (p) ++cap::g_allocs, ++cap::g_live;
+    cap::track(p);
     return p;
 }
 
 void __wrap_free(void *p) {
-    if (p) {
+    if (p && cap::g_blocks.erase(p)) {
         uint32_t w = 0;
         if (malloc_usable_size(p) >= sizeof w) memcpy(&w, p, sizeof w);
         cap::g_lastFreed = w;
