@@ -186,9 +186,8 @@ void emit(uint32_t stage, const Table &t, uint32_t index, uint32_t bodyType, con
     if (!w.trace) return;
     char *text = nullptr;
     if (intfWifiAp_logBody_t log = t.logBody(index)) log(nullptr, nullptr, nullptr, &text);
-    hs_trace tr{stage,        t.name(),     t.rowName(index), index,       bodyType,
-                body,         length,       text,             busOf(from), nameOf(from),
-                busOf(to),    nameOf(to),   code};
+    hs_trace tr{stage, t.name(),    t.rowName(index), index,     bodyType,   body, length,
+                text,  busOf(from), nameOf(from),     busOf(to), nameOf(to), code};
     w.trace(w.traceRef, &tr);
     free(text);
 }
@@ -202,16 +201,17 @@ Body pack(const Table &t, uint32_t index, uint32_t bodyType, void *ctx, uint32_t
     uint32_t code = ser ? ser(bodyType, ctx, &raw, &length) : UINT32_MAX;
     t.release(index, bodyType, ctx);
     Body body;
-    if (code == 0 && raw) body = Body(raw, [](const uint8_t *p) { free(const_cast<uint8_t *>(p)); });
-    else free(raw);
+    if (code == 0 && raw)
+        body = Body(raw, [](const uint8_t *p) { free(const_cast<uint8_t *>(p)); });
+    else
+        free(raw);
     emit(HS_TRACE_SENT, t, index, bodyType, body.get(), body ? length : 0, from, to, code);
     if (!body) failed();
     return body;
 }
 
 // The receiver's own context, rebuilt from the bytes alone.
-void *unpack(const Delivery &d, const Msg &m, uint32_t bodyType, const User *from,
-             const User *to) {
+void *unpack(const Delivery &d, const Msg &m, uint32_t bodyType, const User *from, const User *to) {
     World &w = world();
     const Table &t = *m.table;
     void *ctx = nullptr;
@@ -267,8 +267,10 @@ void deliverToUser(Delivery &d, uint32_t kind) {
 void deliverResponse(Delivery &d) {
     Msg &m = *d.msg;
     void *ctx = m.table->live ? unpack(d, m, kResponseBody, m.receiver, m.sender) : nullptr;
-    if (ctx) withContext(m, ctx, kResponseBody, [&] { m.resHandler(m.sender, &m, ctx); });
-    else if (!m.table->live) failed();
+    if (ctx)
+        withContext(m, ctx, kResponseBody, [&] { m.resHandler(m.sender, &m, ctx); });
+    else if (!m.table->live)
+        failed();
     erase(m);
 }
 
@@ -287,10 +289,18 @@ void deliverNeedUpdate(const Delivery &d) {
 
 void deliver(Delivery &d) {
     switch (d.what) {
-    case Delivery::Request: deliverToUser(d, HS_REQUEST); break;
-    case Delivery::Notification: deliverToUser(d, HS_NOTIFICATION); break;
-    case Delivery::Response: deliverResponse(d); break;
-    case Delivery::NeedUpdate: deliverNeedUpdate(d); break;
+    case Delivery::Request:
+        deliverToUser(d, HS_REQUEST);
+        break;
+    case Delivery::Notification:
+        deliverToUser(d, HS_NOTIFICATION);
+        break;
+    case Delivery::Response:
+        deliverResponse(d);
+        break;
+    case Delivery::NeedUpdate:
+        deliverNeedUpdate(d);
+        break;
     }
 }
 
@@ -308,8 +318,8 @@ int32_t dispatchRow(Kind kind, void *user, void *v1, void *v2, void *v3, uint32_
                     const void *table, uint32_t index) {
     Msg *m = msgOf(v1);
     const auto *hdr = static_cast<const intfWifiAp_tableHdr *>(table);
-    if (!m || m->kind != kind || user != m->receiver || !m->held || !hdr ||
-        index >= hdr->count || index != m->index || hdr->num != m->table->num)
+    if (!m || m->kind != kind || user != m->receiver || !m->held || !hdr || index >= hdr->count ||
+        index != m->index || hdr->num != m->table->num)
         return 1;
     uint32_t magic;
     memcpy(&magic, m->held, sizeof magic);
@@ -374,8 +384,8 @@ ismCore_t ismIntf_getCore_user(ismUser_t user) {
 
 uint32_t ismCore_sendMsgReq_toNameUser(ismCore_t core, void *ctx, ismResHandler_t resHandler,
                                        void *callback, uintptr_t cbRef, const char *busName,
-                                       const char *userName, uint16_t num, uint32_t index,
-                                       uint32_t, uint32_t) {
+                                       const char *userName, uint16_t num, uint32_t index, uint32_t,
+                                       uint32_t) {
     Table *t = liveTable(num);
     if (!t || index >= t->count) {  // no free callback to end the context with
         failed();
@@ -460,9 +470,9 @@ int32_t ismIntf_modSrv_ntfy_needUpdate(ismUser_t user, void *, void *v2, void *v
     return 0;
 }
 
-int32_t ismIntf_sendReq_ntfy(ismUser_t user, void *ctx, void *, void *, uintptr_t,
-                             const char *, const char *userName, const char *, uint32_t num,
-                             uint32_t index, uint32_t, uint32_t, uint32_t) {
+int32_t ismIntf_sendReq_ntfy(ismUser_t user, void *ctx, void *, void *, uintptr_t, const char *,
+                             const char *userName, const char *, uint32_t num, uint32_t index,
+                             uint32_t, uint32_t, uint32_t) {
     World &w = world();
     Table *t = liveTable(num);
     if (!t || index >= t->count) {
@@ -496,8 +506,10 @@ int32_t ismIntf_sendReq_ntfy(ismUser_t user, void *ctx, void *, void *, uintptr_
 
 void hs_reset(void) {
     World &w = world();
-    if (w.running) w.resetPending = true;  // the delivery under way still uses what it holds
-    else resetNow();
+    if (w.running)
+        w.resetPending = true;  // the delivery under way still uses what it holds
+    else
+        resetNow();
 }
 
 ismUser_t hs_newUser(const char *busName, const char *userName) {
@@ -514,8 +526,10 @@ ismUser_t hs_newUser(const char *busName, const char *userName) {
 void hs_setMethod(ismUser_t user, uint32_t kind, uint32_t index, void *method, uintptr_t ref) {
     User *u = userOf(user);
     if (!u) return;
-    if (method) u->methods[{kind, index}] = {method, ref};
-    else u->methods.erase({kind, index});
+    if (method)
+        u->methods[{kind, index}] = {method, ref};
+    else
+        u->methods.erase({kind, index});
 }
 
 size_t hs_run(void) {

@@ -34,9 +34,8 @@ extern "C" {
 
 enum { HS_REQUEST = 0, HS_NOTIFICATION = 1, HS_NEED_UPDATE = 2 };
 
-typedef int32_t (*hs_dispatch_t)(void *ref, ismUser_t user, uint32_t kind, uint32_t index,
-                                 void *v1, void *v2, void *v3, const char *busName,
-                                 const char *userName);
+typedef int32_t (*hs_dispatch_t)(void *ref, ismUser_t user, uint32_t kind, uint32_t index, void *v1,
+                                 void *v2, void *v3, const char *busName, const char *userName);
 
 /* Back to an empty framework: users, tables, event callbacks, queued and
  * pending messages, trace hook and counters go; bodies and contexts still held
