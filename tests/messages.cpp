@@ -35,7 +35,8 @@ void saw(Seen &s, ismMsg_t msg, uintptr_t ref, Bytes payload) {
 // A server method records its request, then answers when asked to.
 void served(ismMsg_t msg, uintptr_t ref, Bytes payload) {
     saw(g_method, msg, ref, std::move(payload));
-    if (g_answerInMethod) reinterpret_cast<const Message *>(ref)->answer(msg);
+    const Message *m = reinterpret_cast<const Message *>(ref);
+    if (g_answerInMethod && m->twoWay) m->answer(msg);
 }
 
 // Server methods, by payload.

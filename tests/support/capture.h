@@ -5,6 +5,7 @@
 
 #include <stdint.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@ struct Line {
     std::string fn;    // the function name of the line's prefix
     std::string text;  // what follows "fn(line): ", line feed included
 };
+
+inline void PrintTo(const Line &l, std::ostream *os) { *os << l.prio << " " << l.fn << ": " << l.text; }
 
 // Lines logged since the last reset(), prefix parsed. A line without the
 // library's prefix fails the test that logged it.
