@@ -39,7 +39,8 @@ typedef int32_t (*hs_dispatch_t)(void *ref, ismUser_t user, uint32_t kind, uint3
 
 /* Back to an empty framework: users, tables, event callbacks, queued and
  * pending messages, trace hook and counters go; bodies and contexts still held
- * are released. Not from inside a callback of the stand-in. */
+ * are released. Called from a callback, it waits for the delivery under way to
+ * end, and hs_run then returns. */
 void hs_reset(void);
 
 /* A new user; NULL if userName is NULL or (busName, userName) is taken.
