@@ -18,44 +18,43 @@ Where where(const Desc &d, const uint8_t *start, const ReadLog *log) {
 }
 
 // The fields after `idx` that would have had an element are named as not read.
-bool errorBefore(const Desc &d, uint32_t idx, const Where &w) {
+void errorBefore(const Desc &d, uint32_t idx, const Where &w) {
     for (uint32_t i = idx + 1; i < d.count; ++i)
         if (hasElement(d.fields[i].kind))
             WLOG_ERR(w.who, TXT_ERROR_BEFORE, w.pBody, int(d.firstTag + i));
-    return false;
 }
 
-// n bytes at p as a big-endian number, the bytes past the end taken as 0.
-uint64_t peek(const Reader &rd, size_t at, size_t n) {
+// n bytes at p + at as a big-endian number, the bytes past the end taken as 0.
+uint64_t peek(const uint8_t *p, size_t left, size_t at, size_t n) {
     uint64_t v = 0;
-    for (size_t i = 0; i < n; ++i) v = v << 8 | (!rd.bounded || at + i < rd.left ? rd.p[at + i] : 0);
+    for (size_t i = 0; i < n; ++i) v = v << 8 | (at + i < left ? p[at + i] : 0);
     return v;
 }
 
 }  // namespace
 
-bool failElement(const Desc &d, uint32_t idx, const Reader &rd, const uint8_t *start,
-                 const ReadLog *log) {
+void failElement(const Desc &d, uint32_t idx, const uint8_t *p, size_t left,
+                 const uint8_t *start, const ReadLog *log) {
     Where w = where(d, start, log);
     unsigned expected = d.firstTag + idx;
     if (d.fields[idx].kind == Kind::U64)
-        WLOG_ERR(w.who, TXT_TL64, w.pBody, (unsigned long long)peek(rd, 0, 8),
-                 (unsigned long long)peek(rd, 8, 8), expected);
+        WLOG_ERR(w.who, TXT_TL64, w.pBody, (unsigned long long)peek(p, left, 0, 8),
+                 (unsigned long long)peek(p, left, 8, 8), expected);
     else
-        WLOG_ERR(w.who, TXT_TL, w.pBody, unsigned(peek(rd, 0, 4)), unsigned(peek(rd, 4, 4)),
-                 expected);
-    return errorBefore(d, idx, w);
+        WLOG_ERR(w.who, TXT_TL, w.pBody, unsigned(peek(p, left, 0, 4)),
+                 unsigned(peek(p, left, 4, 4)), expected);
+    errorBefore(d, idx, w);
 }
 
-bool failText(const Desc &d, uint32_t idx, const Reader &rd, const uint8_t *start,
-              const ReadLog *log) {
+void failText(const Desc &d, uint32_t idx, const uint8_t *p, bool bounded,
+              const uint8_t *start, const ReadLog *log) {
     size_t cap = d.fields[idx].cap;
-    size_t len = get32(rd.p + 4);
-    const char *v = reinterpret_cast<const char *>(rd.p + 8);
+    size_t len = get32(p + 4);
+    const char *v = reinterpret_cast<const char *>(p + 8);
     // No NUL in the first `cap` bytes (or, bounded, in a shorter element):
     // report the text's length, or the element's when it holds no NUL at all.
     size_t chainIn;
-    if (!rd.bounded) {
+    if (!bounded) {
         chainIn = cap + strlen(v + cap) + 1;
     } else if (len <= cap) {
         chainIn = len + 1;
@@ -65,11 +64,11 @@ bool failText(const Desc &d, uint32_t idx, const Reader &rd, const uint8_t *star
     }
     Where w = where(d, start, log);
     WLOG_ERR(w.who, TXT_CHAIN, int(chainIn), int(cap));
-    return errorBefore(d, idx, w);
+    errorBefore(d, idx, w);
 }
 
-bool failAfter(const Desc &d, uint32_t idx, const uint8_t *start, const ReadLog *log) {
-    return errorBefore(d, idx, where(d, start, log));
+void failAfter(const Desc &d, uint32_t idx, const uint8_t *start, const ReadLog *log) {
+    errorBefore(d, idx, where(d, start, log));
 }
 
 void copyFailed(const Desc &d, const Field &f, uint32_t status) {

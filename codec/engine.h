@@ -79,8 +79,8 @@ constexpr int64_t fixedSize(const Desc &d) {
 }
 
 // Where a read stands: the cursor and the bytes left before the end. A caller
-// that trusts its buffer reads unbounded: `left` is then never the limit and
-// texts are measured to their NUL wherever it lies.
+// that trusts its buffer reads unbounded: `left` starts at SIZE_MAX, so it is
+// never the limit, and texts are measured to their NUL wherever it lies.
 struct Reader {
     const uint8_t *p;
     size_t left;
@@ -88,13 +88,13 @@ struct Reader {
 };
 
 // Failure paths, shared by every record. Each logs the reason (if the field
-// has one of its own) and the "Error Before" lines of the fields after
-// `idx`, and returns false.
-[[gnu::cold]] bool failElement(const Desc &d, uint32_t idx, const Reader &rd,
+// has one of its own) and the "Error Before" lines of the fields after `idx`.
+// Plain arguments, so that the hot path can keep its reader in registers.
+[[gnu::cold]] void failElement(const Desc &d, uint32_t idx, const uint8_t *p, size_t left,
                                const uint8_t *start, const ReadLog *log);
-[[gnu::cold]] bool failText(const Desc &d, uint32_t idx, const Reader &rd, const uint8_t *start,
-                            const ReadLog *log);
-[[gnu::cold]] bool failAfter(const Desc &d, uint32_t idx, const uint8_t *start,
+[[gnu::cold]] void failText(const Desc &d, uint32_t idx, const uint8_t *p, bool bounded,
+                            const uint8_t *start, const ReadLog *log);
+[[gnu::cold]] void failAfter(const Desc &d, uint32_t idx, const uint8_t *start,
                              const ReadLog *log);
 [[gnu::cold]] void copyFailed(const Desc &d, const Field &f, uint32_t status);
 
@@ -108,9 +108,11 @@ struct Rec {
     template <size_t I>
     static constexpr uint32_t kTag = D->firstTag + I;
 
+    // Calls fn(field index) in field order while it returns true. Everything
+    // here is forced inline so the walk leaves no trace in the generated code.
     template <class Fn>
-    static constexpr bool all(Fn &&fn) {
-        return [&]<size_t... I>(std::index_sequence<I...>) {
+    [[gnu::always_inline]] static constexpr bool all(Fn &&fn) {
+        return [&]<size_t... I>(std::index_sequence<I...>) __attribute__((always_inline)) {
             return (fn(std::integral_constant<size_t, I>{}) && ...);
         }(std::make_index_sequence<kCount>{});
     }
@@ -123,13 +125,13 @@ struct Rec {
 
     static uint32_t copy(uint8_t *dst, const uint8_t *src) {
         uint32_t st = 0;
-        all([&](auto i) { return (st = copyField<i>(dst, src)) == 0; });
+        all([&](auto i) __attribute__((always_inline)) { return (st = copyField<i>(dst, src)) == 0; });
         return st;
     }
 
     static void clean(uint8_t *rec) {
         if (!rec) return;
-        all([&](auto i) {
+        all([&](auto i) __attribute__((always_inline)) {
             constexpr Field f = kF<i>;
             if constexpr (f.kind == Kind::Nested) {
                 Rec<f.sub>::clean(rec + f.off);
@@ -146,7 +148,7 @@ struct Rec {
             return uint32_t(kFixed);
         } else {
             uint32_t sum = 0;
-            all([&](auto i) {
+            all([&](auto i) __attribute__((always_inline)) {
                 sum += fieldSize<i>(rec);
                 return true;
             });
@@ -154,17 +156,21 @@ struct Rec {
         }
     }
 
-    static void write(const uint8_t *rec, uint8_t *&p) {
-        all([&](auto i) {
-            writeField<i>(rec, p);
+    // The cursor goes by value: a cursor in memory could alias the bytes written.
+    static uint8_t *write(const uint8_t *rec, uint8_t *p) {
+        all([&](auto i) __attribute__((always_inline)) {
+            p = writeField<i>(rec, p);
             return true;
         });
+        return p;
     }
 
     // 0, or 4 once a field failed (logged, cursor at the failure).
-    static uint32_t read(uint8_t *rec, Reader &rd, const ReadLog *log) {
+    static uint32_t read(uint8_t *rec, Reader &at, const ReadLog *log) {
+        Reader rd = at;  // a local the stores into `rec` cannot alias
         const uint8_t *start = rd.p;
-        bool ok = all([&](auto i) { return readField<i>(rec, rd, start, log); });
+        bool ok = all([&](auto i) __attribute__((always_inline)) { return readField<i>(rec, rd, start, log); });
+        at = rd;
         return ok ? INTFWIFIAP_STATUS_OK : INTFWIFIAP_STATUS_ENCODING;
     }
 
@@ -221,21 +227,20 @@ private:
     }
 
     template <size_t I>
-    static void writeField(const uint8_t *rec, uint8_t *&p) {
+    [[gnu::always_inline]] static uint8_t *writeField(const uint8_t *rec, uint8_t *p) {
         constexpr Field f = kF<I>;
         constexpr uint32_t tag = kTag<I>;
         if constexpr (isScalar(f.kind)) {
-            put32(p, tag);
-            put32(p + 4, 4);
+            put64(p, uint64_t(tag) << 32 | 4);  // one store for tag and length
             put32(p + 8, loadWidened<f.kind>(rec + f.off));
-            p += kScalarSize;
+            return p + kScalarSize;
         } else if constexpr (f.kind == Kind::U64) {
             uint64_t v;
             memcpy(&v, rec + f.off, sizeof v);
             put64(p, tag);
             put64(p + 8, 8);
             put64(p + 16, v);
-            p += kWideSize;
+            return p + kWideSize;
         } else if constexpr (f.kind == Kind::Text) {
             const char *s = reinterpret_cast<const char *>(rec + f.off);
             uint32_t n = strnlen(s, f.cap);
@@ -244,60 +249,81 @@ private:
             put32(p + 4, len);
             memcpy(p + 8, s, n);
             p[8 + n] = 0;  // the pad bytes after it are the caller's zeros
-            p += 8 + len;
+            return p + 8 + len;
         } else if constexpr (f.kind == Kind::Nested) {
-            Rec<f.sub>::write(rec + f.off, p);
+            return Rec<f.sub>::write(rec + f.off, p);
         } else {
             for (uint32_t k = 0, n = items(rec, f); k < n; ++k)
-                Rec<f.sub>::write(rec + f.off + k * f.stride, p);
+                p = Rec<f.sub>::write(rec + f.off + k * f.stride, p);
+            return p;
         }
     }
 
     template <size_t I>
-    static bool readField(uint8_t *rec, Reader &rd, const uint8_t *start, const ReadLog *log) {
+    [[gnu::always_inline]] static bool readField(uint8_t *rec, Reader &rd, const uint8_t *start,
+                                                 const ReadLog *log) {
         constexpr Field f = kF<I>;
         constexpr uint32_t tag = kTag<I>;
+        // Elements nearly always carry the length their field needs: that case
+        // is one compare of the whole header and a constant step, so the next
+        // element's address does not wait for this one's length to load.
         if constexpr (isScalar(f.kind)) {
             if (rd.left < kScalarSize) [[unlikely]]
-                return failElement(*D, I, rd, start, log);
-            uint32_t len = get32(rd.p + 4);
-            if (get32(rd.p) != tag || len > rd.left - 8) [[unlikely]]
-                return failElement(*D, I, rd, start, log);
+                return failElement(*D, I, rd.p, rd.left, start, log), false;
+            size_t step = kScalarSize;
+            if (load64(rd.p) != be64(uint64_t(tag) << 32 | 4)) [[unlikely]] {
+                uint32_t len = get32(rd.p + 4);
+                if (get32(rd.p) != tag || len > rd.left - 8)
+                    return failElement(*D, I, rd.p, rd.left, start, log), false;
+                step = 8 + size_t(len);
+            }
             storeNarrowed<f.kind>(rec + f.off, get32(rd.p + 8));
-            rd.p += 8 + size_t(len);
-            rd.left -= 8 + size_t(len);
+            rd.p += step;
+            rd.left -= step;
         } else if constexpr (f.kind == Kind::U64) {
             if (rd.left < kWideSize) [[unlikely]]
-                return failElement(*D, I, rd, start, log);
-            // The whole 64-bit tag must match; only the low half of the length counts.
-            uint32_t len = uint32_t(get64(rd.p + 8));
-            if (get64(rd.p) != tag || len > rd.left - 16) [[unlikely]]
-                return failElement(*D, I, rd, start, log);
+                return failElement(*D, I, rd.p, rd.left, start, log), false;
+            size_t step = kWideSize;
+            if (load64(rd.p) != be64(tag) || load64(rd.p + 8) != be64(8)) [[unlikely]] {
+                // The whole 64-bit tag must match; only the low half of the length counts.
+                uint32_t len = uint32_t(get64(rd.p + 8));
+                if (get64(rd.p) != tag || len > rd.left - 16)
+                    return failElement(*D, I, rd.p, rd.left, start, log), false;
+                step = 16 + size_t(len);
+            }
             uint64_t v = get64(rd.p + 16);
             memcpy(rec + f.off, &v, sizeof v);
-            rd.p += 16 + size_t(len);
-            rd.left -= 16 + size_t(len);
+            rd.p += step;
+            rd.left -= step;
         } else if constexpr (f.kind == Kind::Text) {
             if (rd.left < 8) [[unlikely]]
-                return failElement(*D, I, rd, start, log);
+                return failElement(*D, I, rd.p, rd.left, start, log), false;
             uint32_t len = get32(rd.p + 4);
             if (get32(rd.p) != tag || len > rd.left - 8) [[unlikely]]
-                return failElement(*D, I, rd, start, log);
+                return failElement(*D, I, rd.p, rd.left, start, log), false;
             const char *v = reinterpret_cast<const char *>(rd.p + 8);
             size_t limit = rd.bounded && len < f.cap ? len : f.cap;
             size_t n = strnlen(v, limit);
             if (n == limit) [[unlikely]]
-                return failText(*D, I, rd, start, log);
+                return failText(*D, I, rd.p, rd.bounded, start, log), false;
             memcpy(rec + f.off, v, n + 1);
             rd.p += 8 + size_t(len);
             rd.left -= 8 + size_t(len);
         } else if constexpr (f.kind == Kind::Nested) {
-            if (Rec<f.sub>::read(rec + f.off, rd, nullptr)) [[unlikely]]
-                return failAfter(*D, I, start, log);
+            Reader sub = rd;
+            uint32_t st = Rec<f.sub>::read(rec + f.off, sub, nullptr);
+            rd = sub;
+            if (st) [[unlikely]]
+                return failAfter(*D, I, start, log), false;
         } else {
-            for (uint32_t k = 0, n = items(rec, f); k < n; ++k)
-                if (Rec<f.sub>::read(rec + f.off + k * f.stride, rd, nullptr)) [[unlikely]]
-                    return failAfter(*D, I, start, log);
+            Reader sub = rd;
+            for (uint32_t k = 0, n = items(rec, f); k < n; ++k) {
+                if (Rec<f.sub>::read(rec + f.off + k * f.stride, sub, nullptr)) [[unlikely]] {
+                    rd = sub;
+                    return failAfter(*D, I, start, log), false;
+                }
+            }
+            rd = sub;
         }
         return true;
     }
@@ -350,7 +376,7 @@ uint32_t opSize(const void *rec) {
 }
 template <const Desc *D>
 uint32_t opWrite(const void *rec, uint8_t **cursor) {
-    Rec<D>::write(static_cast<const uint8_t *>(rec), *cursor);
+    *cursor = Rec<D>::write(static_cast<const uint8_t *>(rec), *cursor);
     return INTFWIFIAP_STATUS_OK;
 }
 template <const Desc *D>

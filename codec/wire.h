@@ -29,6 +29,13 @@ inline uint64_t get64(const uint8_t *p) {
     return be64(v);
 }
 
+// Raw bytes, for comparing a whole header with its expected big-endian form.
+inline uint64_t load64(const uint8_t *p) {
+    uint64_t v;
+    memcpy(&v, p, sizeof v);
+    return v;
+}
+
 inline void put32(uint8_t *p, uint32_t v) {
     v = be32(v);
     memcpy(p, &v, sizeof v);

@@ -1,0 +1,130 @@
+// Record encoding against memcpy of the same bytes: the full station list
+// (100 stations x 312 rates, every text at full length) and a small record.
+#include <benchmark/benchmark.h>
+#include <string.h>
+
+#include <memory>
+#include <vector>
+
+#include "codec.h"
+
+namespace {
+
+using wifiap::codec::Ops;
+
+template <size_t N>
+void fillText(char (&t)[N], char c) {
+    memset(t, c, N - 1);
+    t[N - 1] = '\0';
+}
+
+std::unique_ptr<assocDevStatList> fullList() {
+    auto l = std::make_unique<assocDevStatList>();
+    memset(l.get(), 0, sizeof *l);
+    l->assocDevNum = INTFWIFIAP_ASSOCDEVSTATLIST_MAX;
+    fillText(l->text, 'l');
+    uint32_t v = 1;
+    for (assocDevInfoFull &d : l->assocDevs) {
+        fillText(d.devInfo.macAddress, 'm'), fillText(d.devInfo.text, 't');
+        d.devInfo.value = uint8_t(v++);
+        assocDevStatus &s = d.devStatus;
+        fillText(s.macAddress, 'm'), fillText(s.text1, '1'), fillText(s.text2, '2');
+        fillText(s.text3, '3'), fillText(s.text4, '4'), fillText(s.text5, '5');
+        s.value3 = v++, s.value5 = -int16_t(v & 0xFF), s.value8 = -3;
+        assocDevStats &st = s.devStats;
+        st.value1 = 0x0102030405060708ull * v++;
+        fillText(st.text1, 'a'), fillText(st.text2, 'b'), fillText(st.text3, 'c');
+        st.perRate.rateStatsNum = INTFWIFIAP_RATESTATS_MAX;
+        for (rateStats &r : st.perRate.rates) r = rateStats{v, v + 1}, v += 2;
+    }
+    return l;
+}
+
+struct Case {
+    const Ops *ops;
+    const void *rec;
+    std::vector<uint8_t> body;
+    void *out;
+};
+
+Case &statList() {
+    static std::unique_ptr<assocDevStatList> in = fullList(), out = std::make_unique<assocDevStatList>();
+    static Case c{&wifiap::codec::kAssocDevStatList, in.get(), {}, out.get()};
+    return c;
+}
+Case &smallConf() {
+    static conf in{1, 258}, out{};
+    static Case c{&wifiap::codec::kConf, &in, {}, &out};
+    return c;
+}
+
+void prepare(Case &c) {
+    if (!c.body.empty()) return;
+    c.body.assign(c.ops->size(c.rec), 0);
+    uint8_t *cur = c.body.data();
+    c.ops->write(c.rec, &cur);
+}
+
+void Serialize(benchmark::State &st, Case &(*get)()) {
+    Case &c = get();
+    prepare(c);
+    for (auto _ : st) {
+        uint8_t *cur = c.body.data();
+        benchmark::DoNotOptimize(c.ops->write(c.rec, &cur));
+        benchmark::ClobberMemory();
+    }
+    st.SetBytesProcessed(int64_t(st.iterations()) * int64_t(c.body.size()));
+}
+
+void Size(benchmark::State &st, Case &(*get)()) {
+    Case &c = get();
+    for (auto _ : st) benchmark::DoNotOptimize(c.ops->size(c.rec));
+}
+
+void Unserialize(benchmark::State &st, Case &(*get)()) {
+    Case &c = get();
+    prepare(c);
+    for (auto _ : st) {
+        const uint8_t *cur = c.body.data();
+        benchmark::DoNotOptimize(c.ops->read(c.out, &cur, c.body.size(), {}));
+        benchmark::ClobberMemory();
+    }
+    st.SetBytesProcessed(int64_t(st.iterations()) * int64_t(c.body.size()));
+}
+
+void UnserializeTrusted(benchmark::State &st, Case &(*get)()) {
+    Case &c = get();
+    prepare(c);
+    auto *out = static_cast<assocDevStatList *>(c.out);
+    for (auto _ : st) {
+        const uint8_t *cur = c.body.data();
+        benchmark::DoNotOptimize(intfWifiAp_assocDevStatList_unserialize(out, &cur));
+        benchmark::ClobberMemory();
+    }
+    st.SetBytesProcessed(int64_t(st.iterations()) * int64_t(c.body.size()));
+}
+
+void Memcpy(benchmark::State &st, Case &(*get)()) {
+    Case &c = get();
+    prepare(c);
+    std::vector<uint8_t> dst(c.body.size());
+    for (auto _ : st) {
+        benchmark::DoNotOptimize(dst.data());
+        memcpy(dst.data(), c.body.data(), c.body.size());
+        benchmark::ClobberMemory();
+    }
+    st.SetBytesProcessed(int64_t(st.iterations()) * int64_t(c.body.size()));
+}
+
+BENCHMARK_CAPTURE(Memcpy, statList, statList);
+BENCHMARK_CAPTURE(Serialize, statList, statList);
+BENCHMARK_CAPTURE(Unserialize, statList, statList);
+BENCHMARK_CAPTURE(UnserializeTrusted, statList, statList);
+BENCHMARK_CAPTURE(Size, statList, statList);
+BENCHMARK_CAPTURE(Memcpy, conf, smallConf);
+BENCHMARK_CAPTURE(Serialize, conf, smallConf);
+BENCHMARK_CAPTURE(Unserialize, conf, smallConf);
+
+}  // namespace
+
+BENCHMARK_MAIN();
