@@ -52,6 +52,10 @@ struct MsgRecord {
     uintptr_t ref;
 };
 
+inline Bytes header(uint32_t magic, uint32_t version) {
+    return ct::scalar(0, magic) + ct::scalar(1, version);
+}
+
 inline void PrintTo(const Message &m, std::ostream *os) { *os << m.name; }
 
 const std::vector<Message> &messages();
