@@ -1,5 +1,9 @@
 // Every message end to end through the framework stand-in: only bytes cross
 // from sender to receiver, and every context and body is released.
+#include <string.h>
+
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -124,6 +128,69 @@ TEST_P(Command, AnUnknownDestinationIsRefused) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Command, ::testing::ValuesIn(mt::commands()), nameOf);
+
+// Each crossing costs one context and one body; no other allocation.
+TEST_F(EndToEnd, ConfigureRoundTripAllocatesSixBlocks) {
+    serve();
+    hs_setTrace(nullptr, nullptr);  // the trace asks for log texts
+    cap::reset();
+    const Message &configure = mt::messages()[INTFWIFIAP_CMD_CONFIGURE];
+    configure.send(client, "ap", "apd");
+    hs_run();
+    ASSERT_EQ(mt::g_callback.calls, 1);
+    EXPECT_EQ(cap::allocations(), 6);
+    EXPECT_EQ(cap::liveBlocks(), 0);
+}
+
+// The largest response: every station slot used, every text and list full.
+const assocDevStatList &fullList() {
+    static assocDevStatList *list = [] {
+        auto *l = new assocDevStatList();
+        auto fill = [](char *t, size_t cap, char c) { memset(t, c, cap - 1); };
+        l->assocDevNum = INTFWIFIAP_ASSOCDEVSTATLIST_MAX;
+        fill(l->text, sizeof l->text, 'L');
+        for (uint32_t i = 0; i < l->assocDevNum; ++i) {
+            assocDevInfoFull &d = l->assocDevs[i];
+            fill(d.devInfo.macAddress, sizeof d.devInfo.macAddress, 'm');
+            fill(d.devInfo.text, sizeof d.devInfo.text, 't');
+            assocDevStatus &s = d.devStatus;
+            for (auto [t, n] : {std::pair{s.macAddress, sizeof s.macAddress}, {s.text1, sizeof s.text1},
+                                {s.text2, sizeof s.text2}, {s.text3, sizeof s.text3},
+                                {s.text4, sizeof s.text4}, {s.text5, sizeof s.text5},
+                                {s.devStats.text1, sizeof s.devStats.text1},
+                                {s.devStats.text2, sizeof s.devStats.text2},
+                                {s.devStats.text3, sizeof s.devStats.text3}})
+                fill(t, n, char('a' + i % 26));
+            s.devStats.value1 = 0x0102030405060708ull * (i + 1);
+            s.value5 = int16_t(-i);
+            perRateStats &r = s.devStats.perRate;
+            r.rateStatsNum = INTFWIFIAP_RATESTATS_MAX;
+            for (uint32_t k = 0; k < r.rateStatsNum; ++k) r.rates[k] = {i, k};
+        }
+        return l;
+    }();
+    return *list;
+}
+
+void answerFull(ismMsg_t msg, uintptr_t) { intfWifiAp_sendRes_getAssocDevStats(msg, &fullList()); }
+void receivedList(ismMsg_t, uintptr_t, const assocDevStatList *l) {
+    mt::g_callback.calls++;
+    mt::g_callback.payload.assign(reinterpret_cast<const uint8_t *>(l),
+                                  reinterpret_cast<const uint8_t *>(l + 1));
+}
+
+TEST_F(EndToEnd, LargestStationStatisticsArriveWhole) {
+    hs_setMethod(server, HS_REQUEST, INTFWIFIAP_CMD_GETASSOCDEVSTATS,
+                 reinterpret_cast<void *>(answerFull), 0);
+    ASSERT_NE(intfWifiAp_sendReq_getAssocDevStats(client, receivedList, 0, "ap", "apd"), 0u);
+    hs_run();
+    ASSERT_EQ(mt::g_callback.calls, 1);
+    const uint8_t *sent = reinterpret_cast<const uint8_t *>(&fullList());
+    EXPECT_TRUE(mt::g_callback.payload == Bytes(sent, sent + sizeof(assocDevStatList)))
+        << "the client's record equals the server's, byte for byte";
+    ASSERT_EQ(bodies(HS_TRACE_SENT).size(), 2u);
+    EXPECT_EQ(bodies(HS_TRACE_SENT)[1].size(), 24u + 842860u);
+}
 
 using Notification = EndToEnd;
 
