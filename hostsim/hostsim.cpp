@@ -133,6 +133,17 @@ Table *liveTable(uint32_t num) {
     return nullptr;
 }
 
+// A send on a table that no longer carries traffic: the context still ends
+// through the table's free callback, if the table was ever known.
+void refuseSend(uint32_t num, uint32_t index, void *ctx) {
+    for (auto &t : world().tables)
+        if (t->num == num && index < t->count) {
+            t->release(index, kRequestBody, ctx);
+            break;
+        }
+    failed();
+}
+
 User *userOf(const void *handle) {
     for (auto &u : world().users)
         if (u.get() == handle) return u.get();
@@ -387,8 +398,8 @@ uint32_t ismCore_sendMsgReq_toNameUser(ismCore_t core, void *ctx, ismResHandler_
                                        const char *userName, uint16_t num, uint32_t index, uint32_t,
                                        uint32_t) {
     Table *t = liveTable(num);
-    if (!t || index >= t->count) {  // no free callback to end the context with
-        failed();
+    if (!t || index >= t->count) {
+        refuseSend(num, index, ctx);
         return 0;
     }
     User *from = userOfCore(core);
@@ -476,7 +487,7 @@ int32_t ismIntf_sendReq_ntfy(ismUser_t user, void *ctx, void *, void *, uintptr_
     World &w = world();
     Table *t = liveTable(num);
     if (!t || index >= t->count) {
-        failed();
+        refuseSend(num, index, ctx);
         return 1;
     }
     User *from = userOf(user);

@@ -192,6 +192,70 @@ TEST_F(EndToEnd, LargestStationStatisticsArriveWhole) {
     EXPECT_EQ(bodies(HS_TRACE_SENT)[1].size(), 24u + 842860u);
 }
 
+// Stand-in behaviours the exchanges above do not reach.
+
+ismMsg_t g_kept = nullptr;
+void keep(ismMsg_t msg, uintptr_t) { g_kept = msg; }
+
+TEST_F(EndToEnd, ALateAnswerTravelsOnTheNextRun) {
+    hs_setMethod(server, HS_REQUEST, INTFWIFIAP_CMD_STOP, reinterpret_cast<void *>(keep), 0);
+    const Message &stop = mt::messages()[INTFWIFIAP_CMD_STOP];
+    stop.send(client, "ap", "apd");
+    hs_run();
+    ASSERT_NE(g_kept, nullptr);
+    EXPECT_EQ(mt::g_callback.calls, 0);
+    stop.answer(g_kept);
+    EXPECT_EQ(hs_run(), 1u);
+    EXPECT_EQ(mt::g_callback.payload, stop.response);
+    EXPECT_NE(ismCore_isMsg_needRes(g_kept), 0) << "answered";
+}
+
+TEST_F(EndToEnd, ResetReleasesWhatIsQueuedOrAwaited) {
+    hs_setMethod(server, HS_REQUEST, INTFWIFIAP_CMD_STOP, reinterpret_cast<void *>(keep), 0);
+    mt::messages()[INTFWIFIAP_CMD_STOP].send(client, "ap", "apd");
+    hs_run();  // awaiting an answer
+    mt::messages()[INTFWIFIAP_CMD_CONFIGURE].send(client, "ap", "apd");  // queued
+    hs_reset();
+    EXPECT_EQ(cap::liveBlocks(), 0);
+    EXPECT_EQ(hs_run(), 0u);
+    // The tables went with the reset, as if the framework had dropped them.
+    intfWifiAp_cbEvtMsgMngt_unreg_msgCmd(intfWifiAp_getCmdIntfNum());
+    intfWifiAp_cbEvtMsgMngt_unreg_msgNtfy(intfWifiAp_getNtfyIntfNum());
+    ASSERT_EQ(intfWifiAp_delBase(), 0);
+    ASSERT_EQ(intfWifiap_initialize(), 0);
+}
+
+// Refusals of the stand-in: a dispatch magic that is not the delivered
+// context's magic plus one, unknown users and tables, a dropped table.
+int32_t g_dispatched = 0;
+int32_t misdispatch(void *, ismUser_t user, uint32_t, uint32_t, void *v1, void *v2, void *v3,
+                    const char *, const char *) {
+    return g_dispatched = intfWifiAp_modSrv_recvMsg_stop(user, v1, v2, v3);
+}
+
+TEST_F(EndToEnd, StandInRefusals) {
+    ismUser_t wrong = hs_newUser("ap", "wrong");
+    ASSERT_EQ(intfWifiAp_regUser_msgMngt(wrong, reinterpret_cast<void *>(misdispatch), nullptr,
+                                         INTFWIFIAP_REG_CMD), 0);
+    mt::messages()[INTFWIFIAP_CMD_CONFIGURE].send(client, "ap", "wrong");
+    hs_run();
+    EXPECT_NE(g_dispatched, 0) << "Stop's dispatch magic on a Configure context";
+    EXPECT_EQ(mt::g_method.calls, 0);
+    ASSERT_EQ(cap::lines().size(), 1u);
+    EXPECT_EQ(cap::lines()[0].text, cap::fmt("user(%p): ModCliNtfyUser failed(%d)\n", wrong,
+                                             g_dispatched));
+    cap::reset();
+
+    EXPECT_EQ(hs_newUser("ap", "apd"), nullptr) << "name taken";
+    EXPECT_NE(hs_needUpdate(server, 0x7777, 0), 0);
+    EXPECT_NE(hs_needUpdate(server, intfWifiAp_getNtfyIntfNum(), INTFWIFIAP_NTFY_COUNT), 0);
+    EXPECT_EQ(hs_dropTable(intfWifiAp_getCmdIntfNum()), 0);
+    EXPECT_EQ(intfWifiAp_base.flags, INTFWIFIAP_FLAGS_BASE_REG_NTFY) << "unregister callback ran";
+    EXPECT_EQ(mt::messages()[INTFWIFIAP_CMD_CONFIGURE].send(client, "ap", "apd"), 0u)
+        << "a dropped table carries nothing";
+    EXPECT_NE(hs_dropTable(intfWifiAp_getCmdIntfNum()), 0);
+}
+
 using Notification = EndToEnd;
 
 TEST_P(Notification, ReachesEveryClient) {
