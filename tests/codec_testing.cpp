@@ -8,39 +8,26 @@ namespace ct {
 
 using namespace wifiap::codec;
 
-#define CT_RECORD(R, OPS, D)                                                              \
-    RecordApi {                                                                           \
-        #R, &OPS, &D, [](void *d, const void *s) {                                        \
-            return intfWifiAp_##R##_copy(static_cast<R *>(d), static_cast<const R *>(s)); \
-        },                                                                                \
-            [](void *r) { intfWifiAp_##R##_clean(static_cast<R *>(r)); },                 \
-            [](const void *r) { return intfWifiAp_##R##_serialize_lg(static_cast<const R *>(r)); }, \
-            [](const void *r, uint8_t **c) {                                              \
-                return intfWifiAp_##R##_serialize(static_cast<const R *>(r), c);          \
-            },                                                                            \
-            [](void *r, const uint8_t **c) {                                              \
-                return intfWifiAp_##R##_unserialize(static_cast<R *>(r), c);              \
-            }                                                                             \
-    }
+// The exported functions behind one signature each, per record.
+#define CT_RECORD(R, C)                                                                   \
+    RecordApi{#R, &k##C, &k##C##Desc,                                                     \
+              [](void *d, const void *s) { return intfWifiAp_##R##_copy((R *)d, (const R *)s); }, \
+              [](void *r) { intfWifiAp_##R##_clean((R *)r); },                            \
+              [](const void *r) { return intfWifiAp_##R##_serialize_lg((const R *)r); },  \
+              [](const void *r, uint8_t **c) { return intfWifiAp_##R##_serialize((const R *)r, c); }, \
+              [](void *r, const uint8_t **c) { return intfWifiAp_##R##_unserialize((R *)r, c); }}
 
 const std::vector<RecordApi> &records() {
     static const std::vector<RecordApi> all = {
-        CT_RECORD(wpsInfoIn, kWpsInfoIn, kWpsInfoInDesc),
-        CT_RECORD(wpsInfoOut, kWpsInfoOut, kWpsInfoOutDesc),
-        CT_RECORD(conf, kConf, kConfDesc),
-        CT_RECORD(rateStats, kRateStats, kRateStatsDesc),
-        CT_RECORD(assocDevInfo, kAssocDevInfo, kAssocDevInfoDesc),
-        CT_RECORD(assocDevList, kAssocDevList, kAssocDevListDesc),
-        CT_RECORD(probeRequest, kProbeRequest, kProbeRequestDesc),
-        CT_RECORD(perRateStats, kPerRateStats, kPerRateStatsDesc),
-        CT_RECORD(assocDevStats, kAssocDevStats, kAssocDevStatsDesc),
-        CT_RECORD(wpsStatusStruct, kWpsStatusStruct, kWpsStatusStructDesc),
-        CT_RECORD(accountingParams, kAccountingParams, kAccountingParamsDesc),
-        CT_RECORD(accountingResult, kAccountingResult, kAccountingResultDesc),
-        CT_RECORD(assocDevStatus, kAssocDevStatus, kAssocDevStatusDesc),
-        CT_RECORD(assocDevInfoFull, kAssocDevInfoFull, kAssocDevInfoFullDesc),
-        CT_RECORD(assocDevStatList, kAssocDevStatList, kAssocDevStatListDesc),
-    };
+        CT_RECORD(wpsInfoIn, WpsInfoIn), CT_RECORD(wpsInfoOut, WpsInfoOut),
+        CT_RECORD(conf, Conf), CT_RECORD(rateStats, RateStats),
+        CT_RECORD(assocDevInfo, AssocDevInfo), CT_RECORD(assocDevList, AssocDevList),
+        CT_RECORD(probeRequest, ProbeRequest), CT_RECORD(perRateStats, PerRateStats),
+        CT_RECORD(assocDevStats, AssocDevStats), CT_RECORD(wpsStatusStruct, WpsStatusStruct),
+        CT_RECORD(accountingParams, AccountingParams),
+        CT_RECORD(accountingResult, AccountingResult),
+        CT_RECORD(assocDevStatus, AssocDevStatus), CT_RECORD(assocDevInfoFull, AssocDevInfoFull),
+        CT_RECORD(assocDevStatList, AssocDevStatList)};
     return all;
 }
 
@@ -52,12 +39,7 @@ const RecordApi &record(const std::string &name) {
 
 namespace {
 size_t widthOf(Kind k) {
-    switch (k) {
-    case Kind::U8: case Kind::S8: return 1;
-    case Kind::U16: case Kind::S16: return 2;
-    case Kind::U32: return 4;
-    default: return 8;
-    }
+    return k <= Kind::S8 ? 1 : k <= Kind::S16 ? 2 : k == Kind::U32 ? 4 : 8;
 }
 
 void fill(const Desc &d, uint8_t *rec, std::mt19937 &rng, uint32_t maxItems) {
