@@ -45,41 +45,25 @@ void mText(ismMsg_t m, uintptr_t r, const char *t) { served(m, r, text(3, t)); }
 void mText2(ismMsg_t m, uintptr_t r, const char *a, const char *b) {
     served(m, r, text(3, a) + text(4, b));
 }
-void mConf(ismMsg_t m, uintptr_t r, const conf *p) { served(m, r, enc(c::kConf, p)); }
-void mWps(ismMsg_t m, uintptr_t r, const wpsInfoIn *p) { served(m, r, enc(c::kWpsInfoIn, p)); }
-void mAcct(ismMsg_t m, uintptr_t r, const accountingParams *p) {
-    served(m, r, enc(c::kAccountingParams, p));
+template <const c::Ops &O, typename R>
+void mRecord(ismMsg_t m, uintptr_t r, const R *p) {
+    served(m, r, enc(O, p));
 }
 
-// Client callbacks of two-way commands.
+// Client callbacks of two-way commands, and client methods of notifications.
 void cbResult(ismMsg_t m, uintptr_t r, uint32_t v) { saw(g_callback, m, r, scalar(3, v)); }
 void cbCreate(ismMsg_t m, uintptr_t r, const char *a, const char *b, uint32_t v) {
     saw(g_callback, m, r, text(3, a) + text(4, b) + scalar(5, v));
 }
-void cbWps(ismMsg_t m, uintptr_t r, const wpsInfoOut *p) {
-    saw(g_callback, m, r, enc(c::kWpsInfoOut, p));
+template <const c::Ops &O, typename R>
+void cbRecord(ismMsg_t m, uintptr_t r, const R *p) {
+    saw(g_callback, m, r, enc(O, p));
 }
-void cbAcct(ismMsg_t m, uintptr_t r, const accountingResult *p) {
-    saw(g_callback, m, r, enc(c::kAccountingResult, p));
-}
-void cbStats(ismMsg_t m, uintptr_t r, const assocDevStatList *p) {
-    saw(g_callback, m, r, enc(c::kAssocDevStatList, p));
-}
-
-// Client methods of notifications.
-void nProbe(ismMsg_t m, uintptr_t r, const probeRequest *p) {
-    saw(g_method, m, r, enc(c::kProbeRequest, p));
-}
-void nList(ismMsg_t m, uintptr_t r, const assocDevList *p) {
-    saw(g_method, m, r, enc(c::kAssocDevList, p));
-}
-void nWps(ismMsg_t m, uintptr_t r, const wpsStatusStruct *p) {
-    saw(g_method, m, r, enc(c::kWpsStatusStruct, p));
+template <const c::Ops &O, typename R>
+void nRecord(ismMsg_t m, uintptr_t r, const R *p) {
+    saw(g_method, m, r, enc(O, p));
 }
 void nEnc(ismMsg_t m, uintptr_t r, uint32_t v) { saw(g_method, m, r, scalar(3, v)); }
-void nDisassoc(ismMsg_t m, uintptr_t r, const assocDevInfo *p) {
-    saw(g_method, m, r, enc(c::kAssocDevInfo, p));
-}
 
 template <typename F>
 void *fn(F f) {
@@ -135,7 +119,7 @@ std::vector<Message> build() {
     m->answer = [](ismMsg_t msg) { intfWifiAp_sendRes_configure(msg, 7); };
     m->request = scalar(3, 1) + scalar(4, 2);
     m->response = scalar(3, 7);
-    m->method = fn(mConf);
+    m->method = fn(mRecord<c::kConf, conf>);
 
     m = &cmd("setBridgeAndIps", 1, INTFWIFIAP_MAGIC_MSGCMD_SETBRIDGEANDIPS, "SETBRIDGEANDIPS", 0, false);
     m->modSrv = intfWifiAp_modSrv_recvMsg_setBridgeAndIps;
@@ -174,19 +158,19 @@ std::vector<Message> build() {
 
     m = &cmd("startWPS", 6, INTFWIFIAP_MAGIC_MSGCMD_STARTWPS, "STARTWPS", 0, true);
     m->modSrv = intfWifiAp_modSrv_recvMsg_startWPS;
-    m->send = [](U u, B b, B n) { return intfWifiAp_sendReq_startWPS(u, cbWps, 0, b, n, &kWpsIn); };
+    m->send = [](U u, B b, B n) { return intfWifiAp_sendReq_startWPS(u, cbRecord<c::kWpsInfoOut, wpsInfoOut>, 0, b, n, &kWpsIn); };
     m->answer = [](ismMsg_t msg) { intfWifiAp_sendRes_startWPS(msg, &kWpsOut); };
     m->request = scalar(3, 5);
     m->response = scalar(3, 6);
-    m->method = fn(mWps);
+    m->method = fn(mRecord<c::kWpsInfoIn, wpsInfoIn>);
 
     m = &cmd("startPhysicalWPS", 7, INTFWIFIAP_MAGIC_MSGCMD_STARTPHYSICALWPS, "STARTPHYSICALWPS", 0, true);
     m->modSrv = intfWifiAp_modSrv_recvMsg_startPhysicalWPS;
-    m->send = [](U u, B b, B n) { return intfWifiAp_sendReq_startPhysicalWPS(u, cbWps, 0, b, n, &kWpsIn); };
+    m->send = [](U u, B b, B n) { return intfWifiAp_sendReq_startPhysicalWPS(u, cbRecord<c::kWpsInfoOut, wpsInfoOut>, 0, b, n, &kWpsIn); };
     m->answer = [](ismMsg_t msg) { intfWifiAp_sendRes_startPhysicalWPS(msg, &kWpsOut); };
     m->request = scalar(3, 5);
     m->response = scalar(3, 6);
-    m->method = fn(mWps);
+    m->method = fn(mRecord<c::kWpsInfoIn, wpsInfoIn>);
 
     m = &cmd("toogleWps", 8, INTFWIFIAP_MAGIC_MSGCMD_TOOGLEWPS, "TOOGLEWPS", 0, false);
     m->modSrv = intfWifiAp_modSrv_recvMsg_toogleWps;
@@ -212,16 +196,16 @@ std::vector<Message> build() {
 
     m = &cmd("sendAccountingRequest", 12, INTFWIFIAP_MAGIC_MSGCMD_SENDACCOUNTINGREQUEST, "SENDACCOUNTINGREQUEST", 0, true);
     m->modSrv = intfWifiAp_modSrv_recvMsg_sendAccountingRequest;
-    m->send = [](U u, B b, B n) { return intfWifiAp_sendReq_sendAccountingRequest(u, cbAcct, 0, b, n, &kAcctIn); };
+    m->send = [](U u, B b, B n) { return intfWifiAp_sendReq_sendAccountingRequest(u, cbRecord<c::kAccountingResult, accountingResult>, 0, b, n, &kAcctIn); };
     m->answer = [](ismMsg_t msg) { intfWifiAp_sendRes_sendAccountingRequest(msg, &kAcctOut); };
     m->request = scalar(3, 1) + scalar(4, 2) + text(5, "00:11:22:33:44:55") + text(6, "acct") +
                  text(7, "radius") + text(8, "user@example") + text(9, "session-7");
     m->response = scalar(3, 7) + text(4, "accepted") + scalar(5, 8);
-    m->method = fn(mAcct);
+    m->method = fn(mRecord<c::kAccountingParams, accountingParams>);
 
     m = &cmd("getAssocDevStats", 13, INTFWIFIAP_MAGIC_MSGCMD_GETASSOCDEVSTATS, "GETASSOCDEVSTATS", 0, true);
     m->modSrv = intfWifiAp_modSrv_recvMsg_getAssocDevStats;
-    m->send = [](U u, B b, B n) { return intfWifiAp_sendReq_getAssocDevStats(u, cbStats, 0, b, n); };
+    m->send = [](U u, B b, B n) { return intfWifiAp_sendReq_getAssocDevStats(u, cbRecord<c::kAssocDevStatList, assocDevStatList>, 0, b, n); };
     m->answer = [](ismMsg_t msg) { intfWifiAp_sendRes_getAssocDevStats(msg, &stats()); };
     m->response = enc(c::kAssocDevStatList, &stats());
     m->method = fn(mVoid);
@@ -236,21 +220,21 @@ std::vector<Message> build() {
     m->needUpdate = intfWifiAp_modSrv_needUpdate_ntfyOnProbeReceived;
     m->send = [](U u, B b, B n) { intfWifiAp_sendReq_ntfyOnProbeReceived(u, b, n, &kProbe); return 0u; };
     m->request = text(3, "00:11:22:33:44:55") + text(4, "probe-ssid") + scalar(5, 42);
-    m->method = fn(nProbe);
+    m->method = fn(nRecord<c::kProbeRequest, probeRequest>);
 
     m = &ntfy("assocDevActiveListChanged", "AssocDevActiveListChanged", 1, INTFWIFIAP_MAGIC_MSGNTFY_ASSOCDEVACTIVELISTCHANGED, "ASSOCDEVACTIVELISTCHANGED", 1);
     m->modCli = intfWifiAp_modCliNtfyUser_recvMsg_assocDevActiveListChanged;
     m->needUpdate = intfWifiAp_modSrv_needUpdate_ntfyAssocDevActiveListChanged;
     m->send = [](U u, B b, B n) { intfWifiAp_sendReq_ntfyAssocDevActiveListChanged(u, b, n, &devList()); return 0u; };
     m->request = enc(c::kAssocDevList, &devList());
-    m->method = fn(nList);
+    m->method = fn(nRecord<c::kAssocDevList, assocDevList>);
 
     m = &ntfy("wpsStatus", "WpsStatus", 2, INTFWIFIAP_MAGIC_MSGNTFY_WPSSTATUS, "WPSSTATUS", 2);
     m->modCli = intfWifiAp_modCliNtfyUser_recvMsg_wpsStatus;
     m->needUpdate = intfWifiAp_modSrv_needUpdate_ntfyWpsStatus;
     m->send = [](U u, B b, B n) { intfWifiAp_sendReq_ntfyWpsStatus(u, b, n, &kWpsStatus); return 0u; };
     m->request = scalar(3, 3) + text(4, "aa:bb:cc:dd:ee:ff");
-    m->method = fn(nWps);
+    m->method = fn(nRecord<c::kWpsStatusStruct, wpsStatusStruct>);
 
     m = &ntfy("encryptionStatus", "EncryptionStatus", 3, INTFWIFIAP_MAGIC_MSGNTFY_ENCRYPTIONSTATUS, "ENCRYPTIONSTATUS", 1);
     m->modCli = intfWifiAp_modCliNtfyUser_recvMsg_encryptionStatus;
@@ -263,7 +247,7 @@ std::vector<Message> build() {
     m->modCli = intfWifiAp_modCliNtfyUser_recvMsg_disassocEvent;
     m->send = [](U u, B b, B n) { intfWifiAp_sendReq_ntfyDisassocEvent(u, b, n, &kDisassoc); return 0u; };
     m->request = text(3, "66:55:44:33:22:11") + scalar(4, 255) + text(5, "left");
-    m->method = fn(nDisassoc);
+    m->method = fn(nRecord<c::kAssocDevInfo, assocDevInfo>);
     return v;
 }
 
