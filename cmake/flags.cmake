@@ -5,6 +5,10 @@ if(WIFIAP_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(WIFIAP_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # The library itself: no exceptions, no RTTI, nothing from libstdc++ at run time.
 function(wifiap_library_flags target)
   target_compile_options(${target} PRIVATE ${WIFIAP_WARNINGS}

@@ -212,9 +212,8 @@ void sendRes(const Desc &d, ismMsg_t msg, const void *payload) {
 int32_t modSrvRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) {
     int32_t rc = ismIntf_modSrv_mthd(user, v1, v2, v3, d.magic + 1, B().name, &B().cmdHdr,
                                      &B().ntfyHdr, d.index, kAnyIndex, kAnyIndex);
-    if (rc != 0)
-        WLOG_ERR(Who("intfWifiAp_modSrv_recvMsg_", d.sfx), "user(%p): ModCliNtfyUser failed(%d)\n",
-                 user, rc);
+    const Who who{"intfWifiAp_modSrv_recvMsg_", d.sfx};
+    if (rc != 0) WLOG_ERR(who, "user(%p): ModCliNtfyUser failed(%d)\n", user, rc);
     return rc;
 }
 
@@ -222,9 +221,9 @@ int32_t modCliNtfyRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, voi
                           const char *bus, const char *name) {
     int32_t rc = ismIntf_modCliNtfyUser_mthd(user, v1, v2, v3, d.magic + 1, bus, name, B().name,
                                              &B().cmdHdr, &B().ntfyHdr, d.index);
+    const Who who{"intfWifiAp_modCliNtfyUser_recvMsg_", d.sfx};
     if (rc != 0)
-        WLOG_ERR(Who("intfWifiAp_modCliNtfyUser_recvMsg_", d.sfx),
-                 "user(%p) bus name(%s) user name(%p): ModCliNtfyUser\n", user,
+        WLOG_ERR(who, "user(%p) bus name(%s) user name(%p): ModCliNtfyUser\n", user,
                  bus ? bus : "(null)", static_cast<const void *>(name));
     return rc;
 }
@@ -232,9 +231,8 @@ int32_t modCliNtfyRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, voi
 int32_t needUpdate(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) {
     int32_t rc = ismIntf_modSrv_ntfy_needUpdate(user, v1, v2, v3, B().name, &B().cmdHdr,
                                                 &B().ntfyHdr, d.index);
-    if (rc != 0)
-        WLOG_ERR(Who("intfWifiAp_modSrv_needUpdate_", d.typedSfx), "user(%p): ModSrv failed(%d)\n",
-                 user, rc);
+    const Who who{"intfWifiAp_modSrv_needUpdate_", d.typedSfx};
+    if (rc != 0) WLOG_ERR(who, "user(%p): ModSrv failed(%d)\n", user, rc);
     return rc;
 }
 

@@ -265,7 +265,9 @@ void deliverToUser(Delivery &d, uint32_t kind) {
         erase(m);
         return;
     }
-    auto [method, ref] = m.receiver->method(kind, m.index);
+    const auto target = m.receiver->method(kind, m.index);
+    void *method = target.first;
+    uintptr_t ref = target.second;
     withContext(m, ctx, kRequestBody, [&] {
         if (r.dispatch(r.ref, m.receiver, kind, m.index, &m, method, reinterpret_cast<void *>(ref),
                        busOf(m.sender), nameOf(m.sender)) != 0)

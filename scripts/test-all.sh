@@ -20,5 +20,15 @@ for p in "${presets[@]}"; do
   n=$(sed -n 's/.*tests passed, 0 tests failed out of \([0-9]*\).*/\1/p' "$log")
   total=$((total + ${n:-0}))
 done
+# A short fuzzing run of every message's body reader (clang, libFuzzer, ASan).
+if [ "${FUZZ_SECONDS:-30}" -gt 0 ]; then
+  echo "=== fuzz (${FUZZ_SECONDS:-30} s)"
+  cmake --preset fuzz >/dev/null
+  cmake --build --preset fuzz -j"$(nproc)" --target body_fuzz
+  mkdir -p build/fuzz/corpus
+  build/fuzz/fuzz/body_fuzz -max_total_time="${FUZZ_SECONDS:-30}" build/fuzz/corpus \
+    >build/fuzz/fuzz.log 2>&1 || { tail -n 40 build/fuzz/fuzz.log; exit 1; }
+  tail -n 1 build/fuzz/fuzz.log
+fi
 echo "all targets passed: ${presets[*]}"
 echo "$total passed, 0 failed"
