@@ -1,0 +1,169 @@
+// The tools against the library: field names against its record tables, the
+// committed capture replayed through its body callbacks, the decoder's text
+// against its golden copy, and wifiap-decode's refusals.
+#include <fstream>
+#include <sstream>
+#include <iterator>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "capture.h"
+#include "check.h"
+#include "decode_cli.h"
+
+using ::testing::HasSubstr;
+using namespace wifiap::tools;
+
+namespace {
+
+std::string slurp(const std::string &path) {
+    std::ifstream f(path, std::ios::binary);
+    EXPECT_TRUE(f) << path;
+    return std::string(std::istreambuf_iterator<char>(f), {});
+}
+
+const std::string kCapture = WIFIAP_TEST_DATA "/demo.capture";
+
+std::vector<Crossing> captured() {
+    std::vector<Crossing> v;
+    std::istringstream in(slurp(kCapture));
+    std::string line, error;
+    for (Crossing c; std::getline(in, line);) {
+        if (parseCaptureLine(line, c, error)) v.push_back(c);
+        EXPECT_EQ(error, "") << line.substr(0, 60);
+    }
+    return v;
+}
+
+TEST(FieldNames, OneNamePerFieldOfEveryTable) {
+    for (const Names &n : allNames()) {
+        SCOPED_TRACE(n.title);
+        EXPECT_EQ(n.names.size(), n.desc->count);
+    }
+}
+
+TEST(FieldNames, EveryMessageIsTheLibrarysRow) {
+    for (const Message &m : messages()) {
+        const intfWifiAp_msgEntry &row =
+            m.ntfy ? intfWifiAp_base.ntfy[m.index] : intfWifiAp_base.cmd[m.index];
+        EXPECT_STREQ(row.name, m.name);
+        EXPECT_EQ(row.index, m.index);
+    }
+    EXPECT_EQ(messages().size(), size_t(INTFWIFIAP_CMD_COUNT + INTFWIFIAP_NTFY_COUNT));
+}
+
+// Every body of the capture is taken by the library and comes out again the
+// same, byte for byte: the wire format has not moved.
+TEST(Capture, EveryBodyReplaysToTheSameBytes) {
+    std::set<std::pair<std::string, uint32_t>> seen;
+    for (const Crossing &c : captured()) {
+        const Message *m = findMessage(c.table, c.index);
+        ASSERT_NE(m, nullptr) << c.table << " " << c.index;
+        SCOPED_TRACE(std::string(m->name) + " " + sideName(*m, c.bodyType));
+        Verdict v = check(*m, c.bodyType, c.body.data(), c.body.size());
+        EXPECT_EQ(v.code, 0u) << describe(v);
+        EXPECT_EQ(v.again, c.body);
+        seen.insert({m->name, c.bodyType});
+    }
+    for (const Message &m : messages()) {
+        EXPECT_TRUE(seen.count({m.name, 0})) << m.name << " request missing from the capture";
+        if (m.twoWay) {
+            EXPECT_TRUE(seen.count({m.name, 1})) << m.name << " response missing";
+        }
+    }
+}
+
+TEST(Capture, DecodesToTheGoldenText) {
+    std::string out, err;
+    EXPECT_EQ(runDecode({kCapture}, {}, out, err), 0) << err;
+    EXPECT_EQ(err, "");
+    EXPECT_TRUE(out == slurp(WIFIAP_TEST_DATA "/demo.decoded"))
+        << "the decoded capture differs from tests/data/demo.decoded";
+}
+
+// Bodies in hex: a header and elements.
+std::string el(uint32_t tag, const std::string &valueHex) {
+    char head[20];
+    snprintf(head, sizeof head, "%08x%08x", tag, unsigned(valueHex.size() / 2));
+    return head + valueHex;
+}
+std::string u32(uint32_t tag, uint32_t v) {
+    char b[9];
+    snprintf(b, sizeof b, "%08x", v);
+    return el(tag, b);
+}
+std::string text(uint32_t tag, const std::string &s) {
+    std::string hex;
+    char b[3];
+    for (unsigned char ch : s) snprintf(b, sizeof b, "%02x", ch), hex += b;
+    hex += "00";
+    while (hex.size() % 8) hex += "00";
+    if ((s.size() + 1) % 4 == 0) hex += "00000000";
+    return el(tag, hex);
+}
+std::string hdr(uint32_t magic, uint32_t version) { return u32(0, magic) + u32(1, version); }
+
+struct Case {
+    const char *name;
+    std::vector<std::string> args;
+    std::string body;
+    int status;
+    std::vector<std::string> said;  // in the output, in this order
+};
+
+void PrintTo(const Case &c, std::ostream *os) { *os << c.name; }
+
+const std::string kMac18(18, 'a');
+
+class Decode : public ::testing::TestWithParam<Case> {};
+
+TEST_P(Decode, SaysWhatTheLibrarySays) {
+    const Case &c = GetParam();
+    std::string out, err;
+    EXPECT_EQ(runDecode(c.args, [&] { return c.body; }, out, err), c.status) << out << err;
+    size_t at = 0;
+    for (const std::string &s : c.said) {
+        size_t found = out.find(s, at);
+        EXPECT_NE(found, std::string::npos) << "\"" << s << "\" not in\n" << out;
+        at = found == std::string::npos ? at : found;
+    }
+}
+
+const uint32_t kConf = INTFWIFIAP_MAGIC_MSGCMD_CONFIGURE;
+const std::vector<std::string> kConfigureReq{"--msg", "configure", "--request"};
+
+INSTANTIATE_TEST_SUITE_P(
+    Refusals, Decode,
+    ::testing::Values(
+        Case{"WrongPayloadTag", kConfigureReq, hdr(kConf, 0) + u32(3, 1) + u32(5, 2), 1,
+             {"value1 = 1", "!! offset 36", "code 4", "intfWifiAp_conf_unserialize: pBody(",
+              "Tl(5-4) expectded(4)"}},
+        Case{"TruncatedBody", kConfigureReq, (hdr(kConf, 0) + u32(3, 1) + u32(4, 2)).substr(0, 88),
+             1, {"overruns the body", "code 4", "expectded(4)"}},
+        Case{"TextTooLong", {"--msg", "Ssidinfo", "--request"},
+             hdr(INTFWIFIAP_MAGIC_MSGCMD_SSIDINFO, 0) + text(3, std::string(80, 'x')), 1,
+             {"a text of 81 bytes for a field of 80", "lgChainIn(81) lgMaxChainOut(80)"}},
+        Case{"MacTooLong", {},
+             hdr(INTFWIFIAP_MAGIC_MSGNTFY_WPSSTATUS, 2) + u32(3, 1) + text(4, kMac18), 1,
+             {"WpsStatus notification", "lgChainIn(19) lgMaxChainOut(18)"}},
+        Case{"WrongVersion", {"--msg", "Create"}, hdr(INTFWIFIAP_MAGIC_MSGCMD_CREATE, 0), 1,
+             {"version 0 is not Create's 1", "code 2 (header)"}},
+        Case{"WrongHeaderTag", kConfigureReq, u32(7, kConf) + u32(1, 0), 1,
+             {"tag 0 magic expected", "code 2", "Tl(7-4) expectded(0)", "Type(1) -> Error Before"}},
+        Case{"UnknownMagic", {}, hdr(0x11111111, 0) + text(3, "Hi"), 1,
+             {"no message has this header", "3 (4 bytes) 1214840832 (0x48690000) or \"Hi\""}}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Accepted, Decode,
+    ::testing::Values(
+        Case{"SharedMagicListsEveryCandidate", {},
+             hdr(INTFWIFIAP_MAGIC_MSGCMD_STOP, 0) + text(3, "HomeNet"), 0,
+             {"fits 4 messages: Ssidinfo request, Ssidinfo response, Stop request, Stop response",
+              "text = \"HomeNet\"", "accepted"}},
+        Case{"ResponseGiven", {"--msg", "GENERATEPINCODEWPS", "--response"},
+             hdr(INTFWIFIAP_MAGIC_MSGCMD_GENERATEPINCODEWPS, 0) + u32(3, 12345670), 0,
+             {"GeneratePinCodeWPS response", "result = 12345670", "accepted by the library"}}));
+
+}  // namespace

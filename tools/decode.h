@@ -1,0 +1,69 @@
+// Bodies as a firmware engineer wants to read them: every element with the
+// name of the field it carries. The walk follows the library's own record
+// tables; the names live here, out of the shipped library.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "records.h"
+
+namespace wifiap::tools {
+
+// The names of one record's (or bare payload's) fields: names[i] is field i of desc.
+struct Names {
+    const codec::Desc *desc;
+    const char *title;  // what the payload is called in the output; "" for bare fields
+    std::span<const char *const> names;
+};
+// Every record, bare payload and the body header.
+std::span<const Names> allNames();
+
+// A message of one of the two tables, as its bodies are shaped.
+struct Message {
+    const char *name;  // the row's name: "Configure"
+    bool ntfy;
+    uint32_t index;
+    uint32_t magic;
+    uint16_t version;
+    bool twoWay;
+    const Names *req, *res;  // payloads; null: the header alone
+};
+std::span<const Message> messages();
+const char *tableName(bool ntfy);
+// By row name, case ignored; null if none.
+const Message *findMessage(std::string_view name);
+// By table name and row index; null if none.
+const Message *findMessage(std::string_view table, uint32_t index);
+// Which side a body type is, in words: request, response or notification.
+const char *sideName(const Message &m, uint32_t bodyType);
+
+// A message and a body type that a body could be.
+struct Candidate {
+    const Message *msg;
+    uint32_t bodyType;
+};
+// Every message whose magic and body version the body's header carries.
+// Empty when the header cannot be read or its magic is unknown.
+std::vector<Candidate> candidates(const uint8_t *body, size_t length);
+
+struct Style {
+    uint32_t maxItems = 0;  // items printed per list, the rest counted; 0: all
+    int indent = 2;         // spaces before the first level
+};
+
+// Appends the body's elements, named as `m` on side `bodyType` names them.
+// False when the bytes do not have that shape: the text then says where.
+bool decode(std::string &out, const Message &m, uint32_t bodyType, const uint8_t *body,
+            size_t length, const Style &style = {});
+// Appends a walk of elements whose message is unknown: tag, length, value.
+bool walk(std::string &out, const uint8_t *body, size_t length, const Style &style = {});
+// Appends a hex dump, 16 bytes a line.
+void hexDump(std::string &out, const uint8_t *body, size_t length, int indent = 2);
+
+}  // namespace wifiap::tools
