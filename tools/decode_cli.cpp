@@ -171,7 +171,15 @@ int runDecode(const std::vector<std::string> &args, const std::function<std::str
     const std::string_view input = data;
     if (!o.binary && looksLikeCapture(input)) return showCapture(out, err, input, o) ? 0 : 1;
     std::vector<uint8_t> body;
-    if (o.binary || !parseHex(input, body)) body.assign(input.begin(), input.end());
+    if (o.binary || !parseHex(input, body)) {
+        // Hex digits alone that do not pair up are a typing slip, not binary.
+        if (!o.binary && input.find_first_not_of("0123456789abcdefABCDEF \t\r\n") ==
+                             std::string_view::npos) {
+            err += "wifiap-decode: an odd number of hex digits\n";
+            return 2;
+        }
+        body.assign(input.begin(), input.end());
+    }
     const bool ok = showAny(out, body.data(), body.size(), o);
     if (o.hex) hexDump(out, body.data(), body.size());
     return ok ? 0 : 1;
