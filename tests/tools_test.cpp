@@ -12,6 +12,7 @@
 #include "capture.h"
 #include "check.h"
 #include "decode_cli.h"
+#include "wps_pin.h"
 
 using ::testing::HasSubstr;
 using namespace wifiap::tools;
@@ -165,5 +166,59 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"ResponseGiven", {"--msg", "GENERATEPINCODEWPS", "--response"},
              hdr(INTFWIFIAP_MAGIC_MSGCMD_GENERATEPINCODEWPS, 0) + u32(3, 12345670), 0,
              {"GeneratePinCodeWPS response", "result = 12345670", "accepted by the library"}}));
+
+// A list shown in part is still walked in full: the fields after it decode.
+TEST(Decode, ListsShownInPartKeepTheFieldsAfterThem) {
+    std::string body = hdr(INTFWIFIAP_MAGIC_MSGNTFY_ASSOCDEVACTIVELISTCHANGED, 1) + u32(3, 3);
+    for (int i = 0; i < 3; ++i) body += text(3, "02:00:00:00:00:0" + std::to_string(i)) + u32(4, 5) + text(5, "h");
+    body += text(5, "HomeNet") + u32(6, 36) + text(7, "wlan0");
+    std::string out, err;
+    EXPECT_EQ(runDecode({"--items", "1"}, [&] { return body; }, out, err), 0) << out << err;
+    EXPECT_THAT(out, HasSubstr("assocDevs[0]: assocDevInfo"));
+    EXPECT_THAT(out, ::testing::Not(HasSubstr("assocDevs[1]")));
+    EXPECT_THAT(out, HasSubstr("assocDevs: 2 more items not shown\n       5 text1 = \"HomeNet\"\n"
+                               "       6 value = 36\n       7 text2 = \"wlan0\""));
+}
+
+struct Line {
+    const char *text;
+    bool crossing;
+    const char *error;  // "" for a crossing or a comment
+    uint32_t index = 0, bodyType = 0;
+    size_t bytes = 0;
+};
+
+class CaptureLine : public ::testing::TestWithParam<Line> {};
+
+TEST_P(CaptureLine, ParsesOrSaysWhyNot) {
+    const Line &l = GetParam();
+    Crossing c;
+    std::string error;
+    EXPECT_EQ(parseCaptureLine(l.text, c, error), l.crossing);
+    EXPECT_EQ(error, l.error);
+    if (l.crossing) {
+        EXPECT_EQ(c.index, l.index);
+        EXPECT_EQ(c.bodyType, l.bodyType);
+        EXPECT_EQ(c.body.size(), l.bytes);
+        EXPECT_EQ(captureLine(c), l.text) << "written back as read";
+    }
+}
+
+const char kShape[] = "not <seconds> <table> <index> <bodyType> <hex>";
+INSTANTIATE_TEST_SUITE_P(
+    Lines, CaptureLine,
+    ::testing::Values(Line{"0.000764 IntfWifiApCmd 13 1 00000000000000045710", true, "", 13, 1, 10},
+                      Line{"1.500000 IntfWifiApNtfy 4 0 ", true, "", 4, 0, 0},
+                      Line{"# a comment", false, ""}, Line{"   ", false, ""},
+                      Line{"0.1 IntfWifiApCmd 0 2 00", false, kShape},
+                      Line{"0.1 IntfWifiApCmd x 0 00", false, kShape},
+                      Line{"0.1x IntfWifiApCmd 0 0 00", false, kShape},
+                      Line{"0.1 IntfWifiApCmd 0 0 0g", false, "the body is not hex"},
+                      Line{"0.1 IntfWifiApCmd 0 0 000", false, "the body is not hex"}));
+
+TEST(WpsPin, ChecksumDigitOfKnownPins) {
+    for (uint32_t pin : {12345670u, 0u, 87654325u, 11111115u}) EXPECT_TRUE(wpsPinValid(pin)) << pin;
+    for (uint32_t pin : {12345671u, 87654320u, 100000000u}) EXPECT_FALSE(wpsPinValid(pin)) << pin;
+}
 
 }  // namespace
