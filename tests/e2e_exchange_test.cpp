@@ -122,11 +122,6 @@ TEST_P(Command, WithoutAServerMethodTheRequestIsHandedBack) {
     EXPECT_EQ(hs_getStats().failures, 1u);
 }
 
-TEST_P(Command, AnUnknownDestinationIsRefused) {
-    EXPECT_EQ(m().send(client, "ap", "nobody"), 0u);
-    EXPECT_EQ(hs_run(), 0u);
-}
-
 INSTANTIATE_TEST_SUITE_P(All, Command, ::testing::ValuesIn(mt::commands()), nameOf);
 
 // Each crossing costs one context and one body; no other allocation.
@@ -190,39 +185,6 @@ TEST_F(EndToEnd, LargestStationStatisticsArriveWhole) {
         << "the client's record equals the server's, byte for byte";
     ASSERT_EQ(bodies(HS_TRACE_SENT).size(), 2u);
     EXPECT_EQ(bodies(HS_TRACE_SENT)[1].size(), 24u + 842860u);
-}
-
-// Stand-in behaviours the exchanges above do not reach.
-
-ismMsg_t g_kept = nullptr;
-void keep(ismMsg_t msg, uintptr_t) { g_kept = msg; }
-
-TEST_F(EndToEnd, ALateAnswerTravelsOnTheNextRun) {
-    hs_setMethod(server, HS_REQUEST, INTFWIFIAP_CMD_STOP, reinterpret_cast<void *>(keep), 0);
-    const Message &stop = mt::messages()[INTFWIFIAP_CMD_STOP];
-    stop.send(client, "ap", "apd");
-    hs_run();
-    ASSERT_NE(g_kept, nullptr);
-    EXPECT_EQ(mt::g_callback.calls, 0);
-    stop.answer(g_kept);
-    EXPECT_EQ(hs_run(), 1u);
-    EXPECT_EQ(mt::g_callback.payload, stop.response);
-    EXPECT_NE(ismCore_isMsg_needRes(g_kept), 0) << "answered";
-}
-
-TEST_F(EndToEnd, ResetReleasesWhatIsQueuedOrAwaited) {
-    hs_setMethod(server, HS_REQUEST, INTFWIFIAP_CMD_STOP, reinterpret_cast<void *>(keep), 0);
-    mt::messages()[INTFWIFIAP_CMD_STOP].send(client, "ap", "apd");
-    hs_run();  // awaiting an answer
-    mt::messages()[INTFWIFIAP_CMD_CONFIGURE].send(client, "ap", "apd");  // queued
-    hs_reset();
-    EXPECT_EQ(cap::liveBlocks(), 0);
-    EXPECT_EQ(hs_run(), 0u);
-    // The tables went with the reset, as if the framework had dropped them.
-    intfWifiAp_cbEvtMsgMngt_unreg_msgCmd(intfWifiAp_getCmdIntfNum());
-    intfWifiAp_cbEvtMsgMngt_unreg_msgNtfy(intfWifiAp_getNtfyIntfNum());
-    ASSERT_EQ(intfWifiAp_delBase(), 0);
-    ASSERT_EQ(intfWifiap_initialize(), 0);
 }
 
 // Refusals of the stand-in: a dispatch magic that is not the delivered
