@@ -11,18 +11,32 @@ ismUser_t const kUser = reinterpret_cast<ismUser_t>(0x1000);
 void *const kParam = reinterpret_cast<void *>(0x2000);
 void *const kRef = reinterpret_cast<void *>(0x3000);
 
+// Which tables a registration asks, in order, given what the descriptor holds.
 struct Selection {
+    const char *name;
     uint32_t which;
-    std::vector<uint16_t> nums;  // tables asked, in order
+    void (*held)();
+    std::vector<uint16_t> nums;
 };
 
-void PrintTo(const Selection &s, std::ostream *os) { *os << "which " << s.which; }
+void PrintTo(const Selection &s, std::ostream *os) { *os << s.name; }
+
+void both() {
+    ASSERT_EQ(intfWifiAp_addBase(), 0);
+    fake::reset();
+}
+void nothing() {}
+void ntfyOnly() { intfWifiAp_base.ntfyHdr.num = fake::kNtfyNum; }
+void cmdDropped() {
+    both();
+    intfWifiAp_cbEvtMsgMngt_unreg_msgCmd(fake::kCmdNum);  // its number is kept for users
+}
 
 class Registration : public Frame, public ::testing::WithParamInterface<Selection> {};
 
 TEST_P(Registration, AsksTheSelectedTablesInOrder) {
-    added();
     const Selection &s = GetParam();
+    s.held();
     EXPECT_EQ(intfWifiAp_regUser_msgMngt(kUser, kParam, kRef, s.which), 0);
     EXPECT_EQ(intfWifiAp_unregUser_msgMngt(kUser, s.which), 0);
     std::vector<Words> expected;
@@ -35,25 +49,16 @@ TEST_P(Registration, AsksTheSelectedTablesInOrder) {
     EXPECT_THAT(cap::lines(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Which, Registration,
-                         ::testing::Values(Selection{0, {fake::kCmdNum, fake::kNtfyNum}},
-                                           Selection{1, {fake::kCmdNum}},
-                                           Selection{2, {fake::kNtfyNum}}, Selection{3, {}}));
-
-TEST_F(Frame, NothingHeldNothingAsked) {
-    for (uint32_t which : {0u, 1u, 2u}) {
-        EXPECT_EQ(intfWifiAp_regUser_msgMngt(kUser, kParam, kRef, which), 0);
-        EXPECT_EQ(intfWifiAp_unregUser_msgMngt(kUser, which), 0);
-    }
-    EXPECT_THAT(fake::calls(), IsEmpty());
-}
-
-TEST_F(Frame, OnlyTheHeldTableIsAsked) {
-    intfWifiAp_base.ntfyHdr.num = fake::kNtfyNum;
-    EXPECT_EQ(intfWifiAp_regUser_msgMngt(kUser, kParam, kRef, 0), 0);
-    ASSERT_EQ(fake::calls().size(), 1u);
-    EXPECT_EQ(fake::calls()[0].args[3], fake::kNtfyNum);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Which, Registration,
+    ::testing::Values(Selection{"all", 0, both, {fake::kCmdNum, fake::kNtfyNum}},
+                      Selection{"cmd", 1, both, {fake::kCmdNum}},
+                      Selection{"ntfy", 2, both, {fake::kNtfyNum}},
+                      Selection{"unknownSelection", 3, both, {}},
+                      Selection{"nothingHeld", 0, nothing, {}},
+                      Selection{"onlyNtfyHeld", 0, ntfyOnly, {fake::kNtfyNum}},
+                      Selection{"droppedCmd", 1, cmdDropped, {fake::kCmdNum}}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(Frame, CommandFailureStopsBeforeNotifications) {
     added();
@@ -80,14 +85,6 @@ TEST_F(Frame, NotificationFailureKeepsTheCommandRegistration) {
                 ElementsAre(cap::fmt("intfWifiAp_regUser_msgMngt: user(%p): regUser message "
                                      "management failed(9) -> num(34) ref(%p)\n",
                                      kUser, kRef)));
-}
-
-TEST_F(Frame, DroppedTableKeepsItsNumberForUsers) {
-    added();
-    intfWifiAp_cbEvtMsgMngt_unreg_msgCmd(fake::kCmdNum);
-    EXPECT_EQ(intfWifiAp_regUser_msgMngt(kUser, kParam, kRef, 1), 0);
-    ASSERT_EQ(fake::calls().size(), 1u);
-    EXPECT_EQ(fake::calls()[0].args[3], fake::kCmdNum);
 }
 
 TEST_F(Frame, FindPassesTheInterfaceName) {
