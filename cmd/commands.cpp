@@ -70,21 +70,7 @@ using VoidMthd = intfWifiAp_mthd_void_t;
                                                          void *v3) {                             \
         return modSrvRecvMsg(D, u, v1, v2, v3);                                                  \
     }                                                                                            \
-    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_freeBody_msgCmd_##s(uint32_t t, void *x) {       \
-        freeBody(D, t, x);                                                                       \
-    }                                                                                            \
-    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_serializeBody_msgCmd_##s(                    \
-        uint32_t t, void *x, uint8_t **b, uint32_t *n) {                                         \
-        return serializeBody(D, t, x, b, n);                                                     \
-    }                                                                                            \
-    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_unserializeBody_msgCmd_##s(                  \
-        uint32_t t, const uint8_t *b, void **x, uint32_t *n) {                                   \
-        return unserializeBody(D, t, b, x, n);                                                   \
-    }                                                                                            \
-    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_logBody_msgCmd_##s(void *, void *, void *,       \
-                                                                   char **text) {                \
-        logBody(D, text);                                                                        \
-    }
+    WIFIAP_BODY_CALLBACKS(D, msgCmd, s)
 
 extern "C" {
 

@@ -70,3 +70,22 @@ struct Answer {
 Answer recvRes(const Desc &d, ismMsg_t msg, void *ctx);
 
 }  // namespace wifiap::msg
+
+// The four body callbacks of a message's table row, named after its table
+// (msgCmd, msgNtfy) and the message.
+#define WIFIAP_BODY_CALLBACKS(D, table, s)                                                       \
+    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_freeBody_##table##_##s(uint32_t t, void *x) {    \
+        wifiap::msg::freeBody(D, t, x);                                                          \
+    }                                                                                            \
+    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_serializeBody_##table##_##s(                 \
+        uint32_t t, void *x, uint8_t **b, uint32_t *n) {                                         \
+        return wifiap::msg::serializeBody(D, t, x, b, n);                                        \
+    }                                                                                            \
+    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_unserializeBody_##table##_##s(               \
+        uint32_t t, const uint8_t *b, void **x, uint32_t *n) {                                   \
+        return wifiap::msg::unserializeBody(D, t, b, x, n);                                      \
+    }                                                                                            \
+    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_logBody_##table##_##s(void *, void *, void *,    \
+                                                                      char **text) {             \
+        wifiap::msg::logBody(D, text);                                                           \
+    }

@@ -39,21 +39,7 @@ M as(void *f) {
         ismUser_t u, void *v1, void *v2, void *v3, const char *bus, const char *user) {          \
         return modCliNtfyRecvMsg(D, u, v1, v2, v3, bus, user);                                   \
     }                                                                                            \
-    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_freeBody_msgNtfy_##name(uint32_t t, void *x) {   \
-        freeBody(D, t, x);                                                                       \
-    }                                                                                            \
-    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_serializeBody_msgNtfy_##name(                \
-        uint32_t t, void *x, uint8_t **b, uint32_t *n) {                                         \
-        return serializeBody(D, t, x, b, n);                                                     \
-    }                                                                                            \
-    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_unserializeBody_msgNtfy_##name(              \
-        uint32_t t, const uint8_t *b, void **x, uint32_t *n) {                                   \
-        return unserializeBody(D, t, b, x, n);                                                   \
-    }                                                                                            \
-    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_logBody_msgNtfy_##name(void *, void *, void *,   \
-                                                                       char **text) {            \
-        logBody(D, text);                                                                        \
-    }
+    WIFIAP_BODY_CALLBACKS(D, msgNtfy, name)
 
 // A notification whose payload is a record: published and received by address.
 #define NTFY_RECORD(D, Name, name, R)                                                            \
