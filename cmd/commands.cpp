@@ -62,6 +62,17 @@ void sendResult(const Desc &d, ismMsg_t msg, uint32_t r) {
 using ResultCb = intfWifiAp_resCb_result_t;
 using VoidMthd = intfWifiAp_mthd_void_t;
 
+// Response handlers: the client's callback gets a result, or a record by address.
+template <const Desc &D>
+void resultAnswer(void *, ismMsg_t msg, void *ctx) {
+    if (Answer a = recvRes(D, msg, ctx); a.cb) as<ResultCb>(a.cb)(msg, a.ref, resultOf(a.payload));
+}
+template <const Desc &D, typename Cb, typename R>
+void recordAnswer(void *, ismMsg_t msg, void *ctx) {
+    if (Answer a = recvRes(D, msg, ctx); a.cb)
+        as<Cb>(a.cb)(msg, a.ref, static_cast<const R *>(a.payload));
+}
+
 }  // namespace
 
 // What every command has, whatever its payloads.
@@ -71,6 +82,51 @@ using VoidMthd = intfWifiAp_mthd_void_t;
         return modSrvRecvMsg(D, u, v1, v2, v3);                                                  \
     }                                                                                            \
     WIFIAP_BODY_CALLBACKS(D, msgCmd, s)
+
+// The server's method of a request without a payload, or with a record R.
+#define RECV_VOID(D, s)                                                                          \
+    INTFWIFIAP_API void intfWifiAp_recvReq_##s(ismMsg_t msg, void *ctx, void *m, uintptr_t ref) { \
+        if (recvReq(D, msg, ctx, m)) as<VoidMthd>(m)(msg, ref);                                  \
+    }
+#define RECV_RECORD(D, s, R)                                                                     \
+    INTFWIFIAP_API void intfWifiAp_recvReq_##s(ismMsg_t msg, void *ctx, void *m, uintptr_t ref) { \
+        if (const void *p = recvReq(D, msg, ctx, m))                                             \
+            as<intfWifiAp_mthd_##R##_t>(m)(msg, ref, static_cast<const R *>(p));                 \
+    }
+
+// A command without a payload either way.
+#define ONE_WAY_VOID(D, s)                                                                       \
+    RECV_VOID(D, s)                                                                              \
+    INTFWIFIAP_API uint32_t intfWifiAp_sendReq_##s(ismUser_t u, const char *bus,                 \
+                                                   const char *name) {                           \
+        return sendReq(D, nullptr, u, nullptr, 0, bus, name, nullptr);                           \
+    }
+
+// The server's answer of a command answered by a result alone.
+#define SEND_RESULT(D, s)                                                                        \
+    INTFWIFIAP_API void intfWifiAp_sendRes_##s(ismMsg_t msg, uint32_t r) { sendResult(D, msg, r); }
+
+// A command whose request and response are records.
+#define RECORD_TO_RECORD(D, s, Req, Res)                                                         \
+    RECV_RECORD(D, s, Req)                                                                       \
+    INTFWIFIAP_API uint32_t intfWifiAp_sendReq_##s(ismUser_t u, intfWifiAp_resCb_##Res##_t cb,   \
+                                                   uintptr_t ref, const char *bus,               \
+                                                   const char *name, const Req *req) {           \
+        return sendReq(D, recordAnswer<D, intfWifiAp_resCb_##Res##_t, Res>, u, fn(cb), ref, bus, \
+                       name, req);                                                               \
+    }                                                                                            \
+    INTFWIFIAP_API void intfWifiAp_sendRes_##s(ismMsg_t msg, const Res *res) {                   \
+        sendRes(D, msg, res);                                                                    \
+    }
+
+// A command without a payload, answered by a result.
+#define VOID_TO_RESULT(D, s)                                                                     \
+    RECV_VOID(D, s)                                                                              \
+    INTFWIFIAP_API uint32_t intfWifiAp_sendReq_##s(ismUser_t u, ResultCb cb, uintptr_t ref,      \
+                                                   const char *bus, const char *name) {          \
+        return sendReq(D, resultAnswer<D>, u, fn(cb), ref, bus, name, nullptr);                  \
+    }                                                                                            \
+    SEND_RESULT(D, s)
 
 extern "C" {
 
@@ -90,24 +146,25 @@ COMMON(kSendAccountingRequest, sendAccountingRequest)
 COMMON(kGetAssocDevStats, getAssocDevStats)
 COMMON(kForceApplyMacFilterChange, forceApplyMacFilterChange)
 
+RECORD_TO_RECORD(kStartWPS, startWPS, wpsInfoIn, wpsInfoOut)
+RECORD_TO_RECORD(kStartPhysicalWPS, startPhysicalWPS, wpsInfoIn, wpsInfoOut)
+RECORD_TO_RECORD(kSendAccountingRequest, sendAccountingRequest, accountingParams, accountingResult)
+VOID_TO_RESULT(kStop, stop)
+VOID_TO_RESULT(kGeneratePinCodeWPS, generatePinCodeWPS)
+ONE_WAY_VOID(kToogleWps, toogleWps)
+ONE_WAY_VOID(kStopWps, stopWps)
+ONE_WAY_VOID(kToogleWifi, toogleWifi)
+ONE_WAY_VOID(kForceApplyMacFilterChange, forceApplyMacFilterChange)
+
 // ---- Configure: conf -> result
 
-INTFWIFIAP_API void intfWifiAp_recvReq_configure(ismMsg_t msg, void *ctx, void *m, uintptr_t ref) {
-    if (const void *p = recvReq(kConfigure, msg, ctx, m))
-        as<intfWifiAp_mthd_conf_t>(m)(msg, ref, static_cast<const conf *>(p));
-}
-static void recvRes_configure(void *, ismMsg_t msg, void *ctx) {
-    if (Answer a = recvRes(kConfigure, msg, ctx); a.cb)
-        as<ResultCb>(a.cb)(msg, a.ref, resultOf(a.payload));
-}
+RECV_RECORD(kConfigure, configure, conf)
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_configure(ismUser_t u, ResultCb cb, uintptr_t ref,
                                                      const char *bus, const char *name,
                                                      const conf *req) {
-    return sendReq(kConfigure, recvRes_configure, u, fn(cb), ref, bus, name, req);
+    return sendReq(kConfigure, resultAnswer<kConfigure>, u, fn(cb), ref, bus, name, req);
 }
-INTFWIFIAP_API void intfWifiAp_sendRes_configure(ismMsg_t msg, uint32_t r) {
-    sendResult(kConfigure, msg, r);
-}
+SEND_RESULT(kConfigure, configure)
 
 // ---- SetBridgeAndIps: bridge, ips (one-way)
 
@@ -174,176 +231,29 @@ INTFWIFIAP_API void intfWifiAp_recvReq_ssidinfo(ismMsg_t msg, void *ctx, void *m
     if (auto *p = static_cast<const c::SsidText *>(recvReq(kSsidinfo, msg, ctx, m)))
         as<intfWifiAp_mthd_text_t>(m)(msg, ref, p->text);
 }
-static void recvRes_ssidinfo(void *, ismMsg_t msg, void *ctx) {
-    if (Answer a = recvRes(kSsidinfo, msg, ctx); a.cb)
-        as<ResultCb>(a.cb)(msg, a.ref, resultOf(a.payload));
-}
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_ssidinfo(ismUser_t u, ResultCb cb, uintptr_t ref,
                                                     const char *bus, const char *name,
                                                     const char *text) {
     c::SsidText t;
     c::copyText(t.text, text, sizeof t.text);
-    return sendReq(kSsidinfo, recvRes_ssidinfo, u, fn(cb), ref, bus, name, &t);
+    return sendReq(kSsidinfo, resultAnswer<kSsidinfo>, u, fn(cb), ref, bus, name, &t);
 }
-INTFWIFIAP_API void intfWifiAp_sendRes_ssidinfo(ismMsg_t msg, uint32_t r) {
-    sendResult(kSsidinfo, msg, r);
-}
-
-// ---- Stop: nothing -> result
-
-INTFWIFIAP_API void intfWifiAp_recvReq_stop(ismMsg_t msg, void *ctx, void *m, uintptr_t ref) {
-    if (recvReq(kStop, msg, ctx, m)) as<VoidMthd>(m)(msg, ref);
-}
-static void recvRes_stop(void *, ismMsg_t msg, void *ctx) {
-    if (Answer a = recvRes(kStop, msg, ctx); a.cb)
-        as<ResultCb>(a.cb)(msg, a.ref, resultOf(a.payload));
-}
-INTFWIFIAP_API uint32_t intfWifiAp_sendReq_stop(ismUser_t u, ResultCb cb, uintptr_t ref,
-                                                const char *bus, const char *name) {
-    return sendReq(kStop, recvRes_stop, u, fn(cb), ref, bus, name, nullptr);
-}
-INTFWIFIAP_API void intfWifiAp_sendRes_stop(ismMsg_t msg, uint32_t r) { sendResult(kStop, msg, r); }
-
-// ---- StartWPS and StartPhysicalWPS: wpsInfoIn -> wpsInfoOut
-
-INTFWIFIAP_API void intfWifiAp_recvReq_startWPS(ismMsg_t msg, void *ctx, void *m, uintptr_t ref) {
-    if (const void *p = recvReq(kStartWPS, msg, ctx, m))
-        as<intfWifiAp_mthd_wpsInfoIn_t>(m)(msg, ref, static_cast<const wpsInfoIn *>(p));
-}
-static void recvRes_startWPS(void *, ismMsg_t msg, void *ctx) {
-    if (Answer a = recvRes(kStartWPS, msg, ctx); a.cb)
-        as<intfWifiAp_resCb_wpsInfoOut_t>(a.cb)(msg, a.ref,
-                                                static_cast<const wpsInfoOut *>(a.payload));
-}
-INTFWIFIAP_API uint32_t intfWifiAp_sendReq_startWPS(ismUser_t u, intfWifiAp_resCb_wpsInfoOut_t cb,
-                                                    uintptr_t ref, const char *bus,
-                                                    const char *name, const wpsInfoIn *req) {
-    return sendReq(kStartWPS, recvRes_startWPS, u, fn(cb), ref, bus, name, req);
-}
-INTFWIFIAP_API void intfWifiAp_sendRes_startWPS(ismMsg_t msg, const wpsInfoOut *res) {
-    sendRes(kStartWPS, msg, res);
-}
-
-INTFWIFIAP_API void intfWifiAp_recvReq_startPhysicalWPS(ismMsg_t msg, void *ctx, void *m,
-                                                        uintptr_t ref) {
-    if (const void *p = recvReq(kStartPhysicalWPS, msg, ctx, m))
-        as<intfWifiAp_mthd_wpsInfoIn_t>(m)(msg, ref, static_cast<const wpsInfoIn *>(p));
-}
-static void recvRes_startPhysicalWPS(void *, ismMsg_t msg, void *ctx) {
-    if (Answer a = recvRes(kStartPhysicalWPS, msg, ctx); a.cb)
-        as<intfWifiAp_resCb_wpsInfoOut_t>(a.cb)(msg, a.ref,
-                                                static_cast<const wpsInfoOut *>(a.payload));
-}
-INTFWIFIAP_API uint32_t intfWifiAp_sendReq_startPhysicalWPS(ismUser_t u,
-                                                            intfWifiAp_resCb_wpsInfoOut_t cb,
-                                                            uintptr_t ref, const char *bus,
-                                                            const char *name,
-                                                            const wpsInfoIn *req) {
-    return sendReq(kStartPhysicalWPS, recvRes_startPhysicalWPS, u, fn(cb), ref, bus, name, req);
-}
-INTFWIFIAP_API void intfWifiAp_sendRes_startPhysicalWPS(ismMsg_t msg, const wpsInfoOut *res) {
-    sendRes(kStartPhysicalWPS, msg, res);
-}
-
-// ---- GeneratePinCodeWPS: nothing -> result
-
-INTFWIFIAP_API void intfWifiAp_recvReq_generatePinCodeWPS(ismMsg_t msg, void *ctx, void *m,
-                                                          uintptr_t ref) {
-    if (recvReq(kGeneratePinCodeWPS, msg, ctx, m)) as<VoidMthd>(m)(msg, ref);
-}
-static void recvRes_generatePinCodeWPS(void *, ismMsg_t msg, void *ctx) {
-    if (Answer a = recvRes(kGeneratePinCodeWPS, msg, ctx); a.cb)
-        as<ResultCb>(a.cb)(msg, a.ref, resultOf(a.payload));
-}
-INTFWIFIAP_API uint32_t intfWifiAp_sendReq_generatePinCodeWPS(ismUser_t u, ResultCb cb,
-                                                              uintptr_t ref, const char *bus,
-                                                              const char *name) {
-    return sendReq(kGeneratePinCodeWPS, recvRes_generatePinCodeWPS, u, fn(cb), ref, bus, name,
-                   nullptr);
-}
-INTFWIFIAP_API void intfWifiAp_sendRes_generatePinCodeWPS(ismMsg_t msg, uint32_t r) {
-    sendResult(kGeneratePinCodeWPS, msg, r);
-}
-
-// ---- SendAccountingRequest: accountingParams -> accountingResult
-
-INTFWIFIAP_API void intfWifiAp_recvReq_sendAccountingRequest(ismMsg_t msg, void *ctx, void *m,
-                                                             uintptr_t ref) {
-    if (const void *p = recvReq(kSendAccountingRequest, msg, ctx, m))
-        as<intfWifiAp_mthd_accountingParams_t>(m)(msg, ref,
-                                                  static_cast<const accountingParams *>(p));
-}
-static void recvRes_sendAccountingRequest(void *, ismMsg_t msg, void *ctx) {
-    if (Answer a = recvRes(kSendAccountingRequest, msg, ctx); a.cb)
-        as<intfWifiAp_resCb_accountingResult_t>(a.cb)(
-            msg, a.ref, static_cast<const accountingResult *>(a.payload));
-}
-INTFWIFIAP_API uint32_t intfWifiAp_sendReq_sendAccountingRequest(
-    ismUser_t u, intfWifiAp_resCb_accountingResult_t cb, uintptr_t ref, const char *bus,
-    const char *name, const accountingParams *req) {
-    return sendReq(kSendAccountingRequest, recvRes_sendAccountingRequest, u, fn(cb), ref, bus,
-                   name, req);
-}
-INTFWIFIAP_API void intfWifiAp_sendRes_sendAccountingRequest(ismMsg_t msg,
-                                                             const accountingResult *res) {
-    sendRes(kSendAccountingRequest, msg, res);
-}
+SEND_RESULT(kSsidinfo, ssidinfo)
 
 // ---- GetAssocDevStats: nothing -> assocDevStatList
 
-INTFWIFIAP_API void intfWifiAp_recvReq_getAssocDevStats(ismMsg_t msg, void *ctx, void *m,
-                                                        uintptr_t ref) {
-    if (recvReq(kGetAssocDevStats, msg, ctx, m)) as<VoidMthd>(m)(msg, ref);
-}
-static void recvRes_getAssocDevStats(void *, ismMsg_t msg, void *ctx) {
-    if (Answer a = recvRes(kGetAssocDevStats, msg, ctx); a.cb)
-        as<intfWifiAp_resCb_assocDevStatList_t>(a.cb)(
-            msg, a.ref, static_cast<const assocDevStatList *>(a.payload));
-}
+RECV_VOID(kGetAssocDevStats, getAssocDevStats)
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_getAssocDevStats(ismUser_t u,
                                                             intfWifiAp_resCb_assocDevStatList_t cb,
                                                             uintptr_t ref, const char *bus,
                                                             const char *name) {
-    return sendReq(kGetAssocDevStats, recvRes_getAssocDevStats, u, fn(cb), ref, bus, name,
-                   nullptr);
+    return sendReq(kGetAssocDevStats,
+                   recordAnswer<kGetAssocDevStats, intfWifiAp_resCb_assocDevStatList_t,
+                                assocDevStatList>,
+                   u, fn(cb), ref, bus, name, nullptr);
 }
 INTFWIFIAP_API void intfWifiAp_sendRes_getAssocDevStats(ismMsg_t msg, const assocDevStatList *res) {
     sendRes(kGetAssocDevStats, msg, res);
-}
-
-// ---- One-way commands without a payload
-
-INTFWIFIAP_API void intfWifiAp_recvReq_toogleWps(ismMsg_t msg, void *ctx, void *m, uintptr_t ref) {
-    if (recvReq(kToogleWps, msg, ctx, m)) as<VoidMthd>(m)(msg, ref);
-}
-INTFWIFIAP_API uint32_t intfWifiAp_sendReq_toogleWps(ismUser_t u, const char *bus,
-                                                     const char *name) {
-    return sendReq(kToogleWps, nullptr, u, nullptr, 0, bus, name, nullptr);
-}
-
-INTFWIFIAP_API void intfWifiAp_recvReq_stopWps(ismMsg_t msg, void *ctx, void *m, uintptr_t ref) {
-    if (recvReq(kStopWps, msg, ctx, m)) as<VoidMthd>(m)(msg, ref);
-}
-INTFWIFIAP_API uint32_t intfWifiAp_sendReq_stopWps(ismUser_t u, const char *bus, const char *name) {
-    return sendReq(kStopWps, nullptr, u, nullptr, 0, bus, name, nullptr);
-}
-
-INTFWIFIAP_API void intfWifiAp_recvReq_toogleWifi(ismMsg_t msg, void *ctx, void *m,
-                                                  uintptr_t ref) {
-    if (recvReq(kToogleWifi, msg, ctx, m)) as<VoidMthd>(m)(msg, ref);
-}
-INTFWIFIAP_API uint32_t intfWifiAp_sendReq_toogleWifi(ismUser_t u, const char *bus,
-                                                      const char *name) {
-    return sendReq(kToogleWifi, nullptr, u, nullptr, 0, bus, name, nullptr);
-}
-
-INTFWIFIAP_API void intfWifiAp_recvReq_forceApplyMacFilterChange(ismMsg_t msg, void *ctx, void *m,
-                                                                 uintptr_t ref) {
-    if (recvReq(kForceApplyMacFilterChange, msg, ctx, m)) as<VoidMthd>(m)(msg, ref);
-}
-INTFWIFIAP_API uint32_t intfWifiAp_sendReq_forceApplyMacFilterChange(ismUser_t u, const char *bus,
-                                                                     const char *name) {
-    return sendReq(kForceApplyMacFilterChange, nullptr, u, nullptr, 0, bus, name, nullptr);
 }
 
 }  // extern "C"
