@@ -19,15 +19,13 @@ using namespace wifiap::codec;
 
 const std::vector<RecordApi> &records() {
     static const std::vector<RecordApi> all = {
-        CT_RECORD(wpsInfoIn, WpsInfoIn), CT_RECORD(wpsInfoOut, WpsInfoOut),
-        CT_RECORD(conf, Conf), CT_RECORD(rateStats, RateStats),
-        CT_RECORD(assocDevInfo, AssocDevInfo), CT_RECORD(assocDevList, AssocDevList),
-        CT_RECORD(probeRequest, ProbeRequest), CT_RECORD(perRateStats, PerRateStats),
-        CT_RECORD(assocDevStats, AssocDevStats), CT_RECORD(wpsStatusStruct, WpsStatusStruct),
-        CT_RECORD(accountingParams, AccountingParams),
-        CT_RECORD(accountingResult, AccountingResult),
-        CT_RECORD(assocDevStatus, AssocDevStatus), CT_RECORD(assocDevInfoFull, AssocDevInfoFull),
-        CT_RECORD(assocDevStatList, AssocDevStatList)};
+        CT_RECORD(wpsInfoIn, WpsInfoIn), CT_RECORD(wpsInfoOut, WpsInfoOut), CT_RECORD(conf, Conf),
+        CT_RECORD(rateStats, RateStats), CT_RECORD(assocDevInfo, AssocDevInfo),
+        CT_RECORD(assocDevList, AssocDevList), CT_RECORD(probeRequest, ProbeRequest),
+        CT_RECORD(perRateStats, PerRateStats), CT_RECORD(assocDevStats, AssocDevStats),
+        CT_RECORD(wpsStatusStruct, WpsStatusStruct), CT_RECORD(accountingParams, AccountingParams),
+        CT_RECORD(accountingResult, AccountingResult), CT_RECORD(assocDevStatus, AssocDevStatus),
+        CT_RECORD(assocDevInfoFull, AssocDevInfoFull), CT_RECORD(assocDevStatList, AssocDevStatList)};
     return all;
 }
 
@@ -37,64 +35,42 @@ const RecordApi &record(const std::string &name) {
     throw std::invalid_argument(name);
 }
 
-namespace {
-size_t widthOf(Kind k) {
-    return k <= Kind::S8 ? 1 : k <= Kind::S16 ? 2 : k == Kind::U32 ? 4 : 8;
-}
-
-void fill(const Desc &d, uint8_t *rec, std::mt19937 &rng, uint32_t maxItems) {
-    static const char kChars[] = "abcdefghijklmnopqrstuvwxyz0123456789:-_ ";
+static void fill(const Desc &d, uint8_t *rec, std::mt19937 &rng, uint32_t maxItems) {
     for (uint32_t i = 0; i < d.count; ++i) {
         const Field &f = d.fields[i];
         uint8_t *at = rec + f.off;
-        switch (f.kind) {
-        case Kind::Text: {
+        if (f.kind == Kind::Text) {
             // Lengths at the edges of the padding and of the capacity are the interesting ones.
             uint32_t n = rng() % 3 == 0 ? f.cap - 1 - rng() % 4 : rng() % f.cap;
-            for (uint32_t k = 0; k < n; ++k) at[k] = uint8_t(kChars[rng() % (sizeof kChars - 1)]);
-            break;
-        }
-        case Kind::Nested:
+            for (uint32_t k = 0; k < n; ++k) at[k] = uint8_t('a' + rng() % 26);
+        } else if (f.kind == Kind::Nested) {
             fill(*f.sub, at, rng, maxItems);
-            break;
-        case Kind::List: {
+        } else if (f.kind == Kind::List) {
             uint32_t pick = rng() % 4;
             uint32_t n = pick == 0 ? f.cap + 1 + rng() % 1000 : pick == 1 ? f.cap : rng() % (f.cap + 1);
             if (n > maxItems) n = maxItems;
             memcpy(rec + f.countOff, &n, sizeof n);
             for (uint32_t k = 0; k < n && k < f.cap; ++k)
                 fill(*f.sub, at + k * f.stride, rng, maxItems);
-            break;
-        }
-        default:
-            for (size_t k = 0; k < widthOf(f.kind); ++k) at[k] = uint8_t(rng());
+        } else {
+            size_t width = f.kind <= Kind::S8 ? 1 : f.kind <= Kind::S16 ? 2 : f.kind == Kind::U32 ? 4 : 8;
+            for (size_t k = 0; k < width; ++k) at[k] = uint8_t(rng());
         }
     }
 }
-}  // namespace
 
 void randomFill(const RecordApi &r, void *rec, std::mt19937 &rng, uint32_t maxItems) {
     fill(*r.desc, static_cast<uint8_t *>(rec), rng, maxItems);
-}
-
-Bytes encode(const RecordApi &r, const void *rec) {
-    Bytes out(r.lg(rec));
-    uint8_t *cur = out.data();
-    r.ser(rec, &cur);
-    if (cur != out.data() + out.size()) throw std::runtime_error("serialize moved the cursor wrongly");
-    return out;
 }
 
 std::vector<std::string> expand(const std::vector<std::string> &lines, const uint8_t *base,
                                 const void *other) {
     std::vector<std::string> out;
     for (std::string l : lines) {
-        for (size_t at; (at = l.find("{B}")) != std::string::npos;)
-            l.replace(at, 3, cap::fmt("%p", other));
-        for (size_t at; (at = l.find("{+")) != std::string::npos;) {
+        for (size_t at; (at = l.find('{')) != std::string::npos;) {
             size_t end = l.find('}', at);
-            size_t off = std::stoul(l.substr(at + 2, end - at - 2));
-            l.replace(at, end - at + 1, cap::fmt("%p", static_cast<const void *>(base + off)));
+            const void *p = l[at + 1] == 'B' ? other : base + std::stoul(l.substr(at + 2, end - at - 2));
+            l.replace(at, end - at + 1, cap::fmt("%p", p));
         }
         out.push_back(l + "\n");
     }
