@@ -114,14 +114,6 @@ TEST_P(Command, ReachesTheServerAndAnswersTheClient) {
     EXPECT_EQ(hs_getStats().failures, 0u);
 }
 
-TEST_P(Command, WithoutAServerMethodTheRequestIsHandedBack) {
-    EXPECT_NE(m().send(client, "ap", "apd"), 0u);
-    hs_run();
-    EXPECT_EQ(mt::g_method.calls, 0);
-    EXPECT_EQ(mt::g_callback.calls, 0);
-    EXPECT_EQ(hs_getStats().failures, 1u);
-}
-
 INSTANTIATE_TEST_SUITE_P(All, Command, ::testing::ValuesIn(mt::commands()), nameOf);
 
 // Each crossing costs one context and one body; no other allocation.
