@@ -1,5 +1,6 @@
 #include "log.h"
 
+#include <alloca.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -8,17 +9,17 @@ namespace wifiap {
 
 namespace {
 
-// Long enough for every line the library writes; a longer one (a huge bus
-// name) is cut rather than dropped.
-constexpr int kLineMax = 512;
-
+// The prefix, the function name and the source line become part of the
+// format, so that syslog formats the arguments itself and no line is cut,
+// however long a bus name in it is. The pieces are the library's own
+// constant names: none holds a '%'.
 void vlog(int prio, const Who &who, int line, const char *fmt, va_list ap) {
-    char buf[kLineMax];
-    int n = snprintf(buf, sizeof buf, "[INTFWIFIAP] -> %s%s%s%s(%d): ", who.p0, who.p1, who.p2,
-                     who.p3, line);
+    static const char kFormat[] = "[INTFWIFIAP] -> %s%s%s%s(%d): %s";
+    int n = snprintf(nullptr, 0, kFormat, who.p0, who.p1, who.p2, who.p3, line, fmt);
     if (n < 0) return;
-    if (n < kLineMax) vsnprintf(buf + n, sizeof buf - n, fmt, ap);
-    syslog(prio, "%s", buf);
+    char *format = static_cast<char *>(alloca(size_t(n) + 1));
+    snprintf(format, size_t(n) + 1, kFormat, who.p0, who.p1, who.p2, who.p3, line, fmt);
+    vsyslog(prio, format, ap);
 }
 
 }  // namespace

@@ -54,10 +54,6 @@ M as(void *f) {
 
 uint32_t resultOf(const void *p) { return static_cast<const c::Result *>(p)->result; }
 
-void sendResult(const Desc &d, ismMsg_t msg, uint32_t r) {
-    const c::Result res{r};
-    sendRes(d, msg, &res);
-}
 
 using ResultCb = intfWifiAp_resCb_result_t;
 using VoidMthd = intfWifiAp_mthd_void_t;
@@ -99,12 +95,12 @@ void recordAnswer(void *, ismMsg_t msg, void *ctx) {
     RECV_VOID(D, s)                                                                              \
     INTFWIFIAP_API uint32_t intfWifiAp_sendReq_##s(ismUser_t u, const char *bus,                 \
                                                    const char *name) {                           \
-        return sendReq(D, nullptr, u, nullptr, 0, bus, name, nullptr);                           \
+        return sendReq(D, nullptr, u, nullptr, 0, bus, name, {});                           \
     }
 
 // The server's answer of a command answered by a result alone.
 #define SEND_RESULT(D, s)                                                                        \
-    INTFWIFIAP_API void intfWifiAp_sendRes_##s(ismMsg_t msg, uint32_t r) { sendResult(D, msg, r); }
+    INTFWIFIAP_API void intfWifiAp_sendRes_##s(ismMsg_t msg, uint32_t r) { sendRes(D, msg, {&r}); }
 
 // A command whose request and response are records.
 #define RECORD_TO_RECORD(D, s, Req, Res)                                                         \
@@ -113,10 +109,10 @@ void recordAnswer(void *, ismMsg_t msg, void *ctx) {
                                                    uintptr_t ref, const char *bus,               \
                                                    const char *name, const Req *req) {           \
         return sendReq(D, recordAnswer<D, intfWifiAp_resCb_##Res##_t, Res>, u, fn(cb), ref, bus, \
-                       name, req);                                                               \
+                       name, {req});                                                             \
     }                                                                                            \
     INTFWIFIAP_API void intfWifiAp_sendRes_##s(ismMsg_t msg, const Res *res) {                   \
-        sendRes(D, msg, res);                                                                    \
+        sendRes(D, msg, {res});                                                                  \
     }
 
 // A command without a payload, answered by a result.
@@ -124,7 +120,7 @@ void recordAnswer(void *, ismMsg_t msg, void *ctx) {
     RECV_VOID(D, s)                                                                              \
     INTFWIFIAP_API uint32_t intfWifiAp_sendReq_##s(ismUser_t u, ResultCb cb, uintptr_t ref,      \
                                                    const char *bus, const char *name) {          \
-        return sendReq(D, resultAnswer<D>, u, fn(cb), ref, bus, name, nullptr);                  \
+        return sendReq(D, resultAnswer<D>, u, fn(cb), ref, bus, name, {});                  \
     }                                                                                            \
     SEND_RESULT(D, s)
 
@@ -162,7 +158,7 @@ RECV_RECORD(kConfigure, configure, conf)
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_configure(ismUser_t u, ResultCb cb, uintptr_t ref,
                                                      const char *bus, const char *name,
                                                      const conf *req) {
-    return sendReq(kConfigure, resultAnswer<kConfigure>, u, fn(cb), ref, bus, name, req);
+    return sendReq(kConfigure, resultAnswer<kConfigure>, u, fn(cb), ref, bus, name, {req});
 }
 SEND_RESULT(kConfigure, configure)
 
@@ -176,10 +172,7 @@ INTFWIFIAP_API void intfWifiAp_recvReq_setBridgeAndIps(ismMsg_t msg, void *ctx, 
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_setBridgeAndIps(ismUser_t u, const char *bus,
                                                            const char *name, const char *bridge,
                                                            const char *ips) {
-    c::BridgeAndIps t;
-    c::copyText(t.bridge, bridge, sizeof t.bridge);
-    c::copyText(t.ips, ips, sizeof t.ips);
-    return sendReq(kSetBridgeAndIps, nullptr, u, nullptr, 0, bus, name, &t);
+    return sendReq(kSetBridgeAndIps, nullptr, u, nullptr, 0, bus, name, {bridge, ips});
 }
 
 // ---- SetIps: ips (one-way)
@@ -190,9 +183,7 @@ INTFWIFIAP_API void intfWifiAp_recvReq_setIps(ismMsg_t msg, void *ctx, void *m, 
 }
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_setIps(ismUser_t u, const char *bus, const char *name,
                                                   const char *ips) {
-    c::Ips t;
-    c::copyText(t.ips, ips, sizeof t.ips);
-    return sendReq(kSetIps, nullptr, u, nullptr, 0, bus, name, &t);
+    return sendReq(kSetIps, nullptr, u, nullptr, 0, bus, name, {ips});
 }
 
 // ---- Create: text1, text2 -> text1, text2, result
@@ -211,18 +202,11 @@ INTFWIFIAP_API uint32_t intfWifiAp_sendReq_create(ismUser_t u, intfWifiAp_resCb_
                                                   uintptr_t ref, const char *bus,
                                                   const char *name, const char *text1,
                                                   const char *text2) {
-    c::CreateReq t;
-    c::copyText(t.text1, text1, sizeof t.text1);
-    c::copyText(t.text2, text2, sizeof t.text2);
-    return sendReq(kCreate, recvRes_create, u, fn(cb), ref, bus, name, &t);
+    return sendReq(kCreate, recvRes_create, u, fn(cb), ref, bus, name, {text1, text2});
 }
 INTFWIFIAP_API void intfWifiAp_sendRes_create(ismMsg_t msg, const char *text1, const char *text2,
                                               uint32_t r) {
-    c::CreateRes t;
-    c::copyText(t.text1, text1, sizeof t.text1);
-    c::copyText(t.text2, text2, sizeof t.text2);
-    t.result = r;
-    sendRes(kCreate, msg, &t);
+    sendRes(kCreate, msg, {text1, text2, &r});
 }
 
 // ---- Ssidinfo: text -> result
@@ -234,9 +218,7 @@ INTFWIFIAP_API void intfWifiAp_recvReq_ssidinfo(ismMsg_t msg, void *ctx, void *m
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_ssidinfo(ismUser_t u, ResultCb cb, uintptr_t ref,
                                                     const char *bus, const char *name,
                                                     const char *text) {
-    c::SsidText t;
-    c::copyText(t.text, text, sizeof t.text);
-    return sendReq(kSsidinfo, resultAnswer<kSsidinfo>, u, fn(cb), ref, bus, name, &t);
+    return sendReq(kSsidinfo, resultAnswer<kSsidinfo>, u, fn(cb), ref, bus, name, {text});
 }
 SEND_RESULT(kSsidinfo, ssidinfo)
 
@@ -250,10 +232,10 @@ INTFWIFIAP_API uint32_t intfWifiAp_sendReq_getAssocDevStats(ismUser_t u,
     return sendReq(kGetAssocDevStats,
                    recordAnswer<kGetAssocDevStats, intfWifiAp_resCb_assocDevStatList_t,
                                 assocDevStatList>,
-                   u, fn(cb), ref, bus, name, nullptr);
+                   u, fn(cb), ref, bus, name, {});
 }
 INTFWIFIAP_API void intfWifiAp_sendRes_getAssocDevStats(ismMsg_t msg, const assocDevStatList *res) {
-    sendRes(kGetAssocDevStats, msg, res);
+    sendRes(kGetAssocDevStats, msg, {res});
 }
 
 }  // extern "C"

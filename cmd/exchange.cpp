@@ -18,11 +18,7 @@ Who cbWho(const Desc &d, const char *op, Side side) {
     return Who{"intfWifiAp_cbEvtMsgMngt_", op, (d.ntfy ? kNtfySide : kCmdSide)[side], d.sfx};
 }
 
-size_t ctxSize(const codec::Ops *ops) {
-    if (!ops) return sizeof(CtxHead);
-    size_t a = ops->align < alignof(CtxHead) ? alignof(CtxHead) : ops->align;
-    return (payloadOffset(ops) + ops->bytes + a - 1) / a * a;
-}
+size_t ctxSize(const codec::Ops *ops) { return ops ? ops->ctxBytes : sizeof(CtxHead); }
 
 // The side a body type selects. Unknown types and the response side of a
 // message that has none are logged here; `lf` is false for the free callback,
@@ -48,15 +44,25 @@ bool sideOf(const Desc &d, uint32_t type, const char *op, const char *noResponse
     return true;
 }
 
-// A new zero-filled context with its magic and, when given, a copy of the payload.
-void *newCtx(const Desc &d, const codec::Ops *ops, const void *payload, const Who &who) {
+// A null payload argument is refused before anything is allocated: sending
+// a zeroed record in its place would hide the caller's mistake.
+bool argsMissing(const codec::Ops *ops, Args args, const Who &who, const char *handle,
+                 const void *h) {
+    const char *arg = ops ? ops->missing(args.begin()) : nullptr;
+    if (arg) WLOG_ERR(who, "%s(%p): %s Null\n", handle, h, arg);
+    return arg != nullptr;
+}
+
+// A new zero-filled context with its magic and the sender's payload.
+void *newCtx(const Desc &d, const codec::Ops *ops, Args args, const Who &who) {
     void *ctx = calloc(1, ctxSize(ops));
     if (!ctx) {
         WLOG_ERR(who, TXT_ALLOC_CTX, "");
         return nullptr;
     }
     static_cast<CtxHead *>(ctx)->magic = d.magic;
-    if (ops && payload && ops->copy(payloadOf(ctx, ops), payload) != 0 && ops->name[0])
+    // Only records' copies can fail, and only through a nested record's copy.
+    if (ops && ops->fill(payloadOf(ctx, ops), args.begin()) != 0)
         WLOG_ERR(who, TXT_COPY_FAILED, ops->name);
     return ctx;
 }
@@ -181,30 +187,34 @@ void logBody(const Desc &d, char **text) {
 }
 
 uint32_t sendReq(const Desc &d, ismResHandler_t handler, ismUser_t user, void *cb, uintptr_t ref,
-                 const char *bus, const char *name, const void *payload) {
+                 const char *bus, const char *name, Args args) {
     Who who{"intfWifiAp_sendReq_", d.typedSfx};
     if (!name) {
         WLOG_ERR(who, "user(%p): UserName Null\n", user);
         return 0;
     }
-    void *ctx = newCtx(d, d.req, payload, who);
+    if (argsMissing(d.req, args, who, "user", user)) return 0;
+    void *ctx = newCtx(d, d.req, args, who);
     if (!ctx) return 0;
     return ismCore_sendMsgReq_toNameUser(ismIntf_getCore_user(user), ctx, cb ? handler : nullptr,
                                          cb, ref, bus, name, B().cmdHdr.num, d.index, kAnyIndex,
                                          kSendFlags);
 }
 
-void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name,
-              const void *payload) {
-    void *ctx = newCtx(d, d.req, payload, Who{"intfWifiAp_sendReq_", d.typedSfx});
+void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name, Args args) {
+    Who who{"intfWifiAp_sendReq_", d.typedSfx};
+    if (argsMissing(d.req, args, who, "user", user)) return;
+    void *ctx = newCtx(d, d.req, args, who);
     if (!ctx) return;
     ismIntf_sendReq_ntfy(user, ctx, nullptr, nullptr, 0, bus, name, B().name, B().ntfyHdr.num,
                          d.index, 0, 0, kSendFlags);
 }
 
-void sendRes(const Desc &d, ismMsg_t msg, const void *payload) {
+void sendRes(const Desc &d, ismMsg_t msg, Args args) {
     if (ismCore_isMsg_needRes(msg) != 0) return;
-    void *ctx = newCtx(d, d.res, payload, Who{"intfWifiAp_sendRes_", d.typedSfx});
+    Who who{"intfWifiAp_sendRes_", d.typedSfx};
+    if (argsMissing(d.res, args, who, "msg", msg)) return;
+    void *ctx = newCtx(d, d.res, args, who);
     if (!ctx) return;
     ismCore_sendMsgRes(msg, ctx, INTFWIFIAP_BODY_OK, kSendFlags);
 }

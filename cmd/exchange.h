@@ -3,6 +3,8 @@
 // adaptors (send arguments, method and callback calls) are written per message.
 #pragma once
 
+#include <initializer_list>
+
 #include "codec.h"
 #include "internal.h"
 
@@ -21,19 +23,15 @@ struct Desc {
     const codec::Ops *res;  // payload of the response; null: none or header only
 };
 
-// Message context: magic and hold word, then the payload in place.
-struct CtxHead {
-    uint32_t magic;
-    uint16_t hold;
-};
+using codec::CtxHead;
 
-inline size_t payloadOffset(const codec::Ops *ops) {
-    size_t a = ops ? ops->align : 1;
-    return (sizeof(uint32_t) + sizeof(uint16_t) + a - 1) / a * a;
-}
 inline void *payloadOf(void *ctx, const codec::Ops *ops) {
-    return static_cast<uint8_t *>(ctx) + payloadOffset(ops);
+    return static_cast<uint8_t *>(ctx) + (ops ? ops->at : 0);
 }
+
+// What the sender passed for the payload: a record's address, or one address
+// per bare field. Read only once the early tests have passed.
+using Args = std::initializer_list<const void *>;
 
 // Body callbacks.
 void freeBody(const Desc &d, uint32_t type, void *ctx);
@@ -44,12 +42,10 @@ void logBody(const Desc &d, char **text);
 
 // Client: a request (two-way when cb is given), or a notification from the server.
 uint32_t sendReq(const Desc &d, ismResHandler_t handler, ismUser_t user, void *cb, uintptr_t ref,
-                 const char *bus,
-                 const char *name, const void *payload);
-void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name,
-              const void *payload);
+                 const char *bus, const char *name, Args args);
+void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name, Args args);
 // Server: the response to `msg`, unless the framework needs none.
-void sendRes(const Desc &d, ismMsg_t msg, const void *payload);
+void sendRes(const Desc &d, ismMsg_t msg, Args args);
 
 int32_t modSrvRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3);
 int32_t modCliNtfyRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3,

@@ -19,11 +19,13 @@ struct ReadLog {
     const void *pBody = nullptr;   // null: where this record's read started
 };
 
-// The five operations of a record or bare payload.
+// The five operations of a record or bare payload, and where it stands in the
+// message context that carries it.
 struct Ops {
     const char *name;  // record name as log lines spell it ("conf"); "" for bare payloads
-    uint32_t bytes;    // sizeof the payload in memory
-    uint32_t align;    // alignof the payload in memory
+    uint32_t bytes;    // sizeof the record; for bare fields, of their whole context
+    uint32_t at;       // offset of the payload in its message context
+    uint32_t ctxBytes; // size of that context
     uint32_t (*copy)(void *dst, const void *src);
     void (*clean)(void *rec);
     uint32_t (*size)(const void *rec);
@@ -32,6 +34,11 @@ struct Ops {
     // Reads at *cursor, never past `left` bytes from there. On failure logs the
     // record's lines (see ReadLog), leaves the cursor where the rules say, returns 4.
     uint32_t (*read)(void *rec, const uint8_t **cursor, size_t left, const ReadLog &log);
+    // The sender's arguments: a record's address, or one address per bare
+    // field (a text, or a 32-bit word). `missing` names the first null one;
+    // `fill` copies them into the payload, with copy's status.
+    const char *(*missing)(const void *const *args);
+    uint32_t (*fill)(void *payload, const void *const *args);
 };
 
 // The fifteen records.
@@ -39,31 +46,62 @@ extern const Ops kWpsInfoIn, kWpsInfoOut, kConf, kRateStats, kAssocDevInfo, kAss
     kProbeRequest, kPerRateStats, kAssocDevStats, kWpsStatusStruct, kAccountingParams,
     kAccountingResult, kAssocDevStatus, kAssocDevInfoFull, kAssocDevStatList;
 
+// Message context: magic and hold word, then the payload in place.
+struct CtxHead {
+    uint32_t magic;
+    uint16_t hold;
+};
+template <class R>
+struct RecordCtx {
+    uint32_t magic;
+    uint16_t hold;
+    R payload;
+};
+
 // Bare payloads: fields numbered from tag 3 like a record's, but read and
 // logged as part of the body (ReadLog with the body's start and side name).
+// No record holds them: each field follows the hold word at its own
+// alignment, so these are whole contexts.
 struct CreateReq {
+    uint32_t magic;
+    uint16_t hold;
     char text1[80];
     char text2[80];
 };
 struct CreateRes {
+    uint32_t magic;
+    uint16_t hold;
     char text1[20];
     char text2[20];
     uint32_t result;
 };
 struct BridgeAndIps {
+    uint32_t magic;
+    uint16_t hold;
     char bridge[80];
     char ips[16];
 };
 struct Ips {
+    uint32_t magic;
+    uint16_t hold;
     char ips[16];
 };
 struct SsidText {
+    uint32_t magic;
+    uint16_t hold;
     char text[80];
 };
-struct Result {  // a bare 32-bit word: results, encStatus
+struct Result {  // a bare 32-bit word: results
+    uint32_t magic;
+    uint16_t hold;
     uint32_t result;
 };
-extern const Ops kCreateReq, kCreateRes, kBridgeAndIps, kIps, kSsidText, kResult;
+struct EncStatus {
+    uint32_t magic;
+    uint16_t hold;
+    uint32_t encStatus;
+};
+extern const Ops kCreateReq, kCreateRes, kBridgeAndIps, kIps, kSsidText, kResult, kEncStatus;
 
 // The two header elements of every body: tag 0 the magic, tag 1 the version.
 // Read with the same rules; a failure at tag 0 is followed by one

@@ -46,24 +46,15 @@ void failElement(const Desc &d, uint32_t idx, const uint8_t *p, size_t left,
     errorBefore(d, idx, w);
 }
 
-void failText(const Desc &d, uint32_t idx, const uint8_t *p, bool bounded,
-              const uint8_t *start, const ReadLog *log) {
-    size_t cap = d.fields[idx].cap;
-    size_t len = get32(p + 4);
-    const char *v = reinterpret_cast<const char *>(p + 8);
-    // No NUL in the first `cap` bytes (or, bounded, in a shorter element):
-    // report the text's length, or the element's when it holds no NUL at all.
-    size_t chainIn;
-    if (!bounded) {
-        chainIn = cap + strlen(v + cap) + 1;
-    } else if (len <= cap) {
-        chainIn = len + 1;
-    } else {
-        const void *nul = memchr(v + cap, 0, len - cap);
-        chainIn = (nul ? size_t(static_cast<const char *>(nul) - v) : len) + 1;
-    }
+void failText(const Desc &d, uint32_t idx, const uint8_t *p, const uint8_t *start,
+              const ReadLog *log) {
+    // The text is what precedes the element's first NUL, or the whole value
+    // when it holds none; it would have fit in neither more than the field
+    // nor more than the element.
+    const size_t cap = d.fields[idx].cap, len = get32(p + 4);
+    const size_t chainIn = strnlen(reinterpret_cast<const char *>(p + 8), len) + 1;
     Where w = where(d, start, log);
-    WLOG_ERR(w.who, TXT_CHAIN, int(chainIn), int(cap));
+    WLOG_ERR(w.who, TXT_CHAIN, int(chainIn), int(len < cap ? len : cap));
     errorBefore(d, idx, w);
 }
 

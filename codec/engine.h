@@ -21,6 +21,7 @@ enum class Kind : uint8_t { U8, S8, U16, S16, U32, U64, Text, Nested, List };
 struct Desc;
 
 struct Field {
+    const char *name;
     Kind kind;
     uint32_t off;
     uint32_t cap = 0;           // text: bytes, NUL included; list: slots
@@ -37,28 +38,36 @@ struct Desc {
 };
 
 template <class T>
-constexpr Field intField(uint32_t off) {
+constexpr Field intField(const char *name, uint32_t off) {
     static_assert(std::is_integral_v<T> && sizeof(T) <= 8);
     constexpr bool s = std::is_signed_v<T>;
     constexpr Kind k = sizeof(T) == 1   ? (s ? Kind::S8 : Kind::U8)
                        : sizeof(T) == 2 ? (s ? Kind::S16 : Kind::U16)
                        : sizeof(T) == 4 ? Kind::U32
                                         : Kind::U64;
-    return Field{k, off};
+    return Field{name, k, off};
 }
 
 // Field makers, so that a table names each member once.
-#define WF_INT(R, f) ::wifiap::codec::intField<decltype(R::f)>(offsetof(R, f))
-#define WF_TEXT(R, f) ::wifiap::codec::Field{::wifiap::codec::Kind::Text, offsetof(R, f), sizeof(R::f)}
-#define WF_NESTED(R, f, D) ::wifiap::codec::Field{::wifiap::codec::Kind::Nested, offsetof(R, f), 0, &(D)}
-#define WF_LIST(R, f, n, D)                                                                \
-    ::wifiap::codec::Field {                                                               \
-        ::wifiap::codec::Kind::List, offsetof(R, f), sizeof(R::f) / sizeof(R::f[0]), &(D), \
-            offsetof(R, n), sizeof(R::f[0])                                                \
+#define WF_INT(R, f) ::wifiap::codec::intField<decltype(R::f)>(#f, offsetof(R, f))
+#define WF_TEXT(R, f) \
+    ::wifiap::codec::Field{#f, ::wifiap::codec::Kind::Text, offsetof(R, f), sizeof(R::f)}
+#define WF_NESTED(R, f, D) \
+    ::wifiap::codec::Field{#f, ::wifiap::codec::Kind::Nested, offsetof(R, f), 0, &(D)}
+#define WF_LIST(R, f, n, D)                                                                    \
+    ::wifiap::codec::Field {                                                                   \
+        #f, ::wifiap::codec::Kind::List, offsetof(R, f), sizeof(R::f) / sizeof(R::f[0]), &(D), \
+            offsetof(R, n), sizeof(R::f[0])                                                    \
     }
 
+// Called only where a table's order disagrees with its structure's: tags go
+// in declaration order, so a table with two fields swapped does not compile.
+void fieldsOutOfDeclarationOrder();
+
 template <size_t N>
-constexpr Desc makeDesc(const char *name, const Field (&fields)[N], uint32_t firstTag = 3) {
+consteval Desc makeDesc(const char *name, const Field (&fields)[N], uint32_t firstTag = 3) {
+    for (size_t i = 1; i < N; ++i)
+        if (fields[i].off <= fields[i - 1].off) fieldsOutOfDeclarationOrder();
     return Desc{name, fields, N, firstTag};
 }
 
@@ -80,11 +89,10 @@ constexpr int64_t fixedSize(const Desc &d) {
 
 // Where a read stands: the cursor and the bytes left before the end. A caller
 // that trusts its buffer reads unbounded: `left` starts at SIZE_MAX, so it is
-// never the limit, and texts are measured to their NUL wherever it lies.
+// never the limit. Texts are read alike either way: inside their element.
 struct Reader {
     const uint8_t *p;
     size_t left;
-    bool bounded;
 };
 
 // Failure paths, shared by every record. Each logs the reason (if the field
@@ -92,8 +100,8 @@ struct Reader {
 // Plain arguments, so that the hot path can keep its reader in registers.
 [[gnu::cold]] void failElement(const Desc &d, uint32_t idx, const uint8_t *p, size_t left,
                                const uint8_t *start, const ReadLog *log);
-[[gnu::cold]] void failText(const Desc &d, uint32_t idx, const uint8_t *p, bool bounded,
-                            const uint8_t *start, const ReadLog *log);
+[[gnu::cold]] void failText(const Desc &d, uint32_t idx, const uint8_t *p, const uint8_t *start,
+                            const ReadLog *log);
 [[gnu::cold]] void failAfter(const Desc &d, uint32_t idx, const uint8_t *start,
                              const ReadLog *log);
 [[gnu::cold]] void copyFailed(const Desc &d, const Field &f, uint32_t status);
@@ -163,6 +171,20 @@ struct Rec {
             return true;
         });
         return p;
+    }
+
+    // A bare payload from the sender's arguments, one address per field.
+    static void fill(uint8_t *rec, const void *const *args) {
+        all([&](auto i) __attribute__((always_inline)) {
+            constexpr Field f = kF<i>;
+            static_assert(f.kind == Kind::Text || f.kind == Kind::U32, "bare fields only");
+            if constexpr (f.kind == Kind::Text)
+                copyText(reinterpret_cast<char *>(rec + f.off), static_cast<const char *>(args[i]),
+                         f.cap);
+            else
+                memcpy(rec + f.off, args[i], sizeof(uint32_t));
+            return true;
+        });
     }
 
     // 0, or 4 once a field failed (logged, cursor at the failure).
@@ -301,11 +323,12 @@ private:
             uint32_t len = get32(rd.p + 4);
             if (get32(rd.p) != tag || len > rd.left - 8) [[unlikely]]
                 return failElement(*D, I, rd.p, rd.left, start, log), false;
+            // The NUL must lie inside the element and the field.
             const char *v = reinterpret_cast<const char *>(rd.p + 8);
-            size_t limit = rd.bounded && len < f.cap ? len : f.cap;
+            size_t limit = len < f.cap ? len : f.cap;
             size_t n = strnlen(v, limit);
             if (n == limit) [[unlikely]]
-                return failText(*D, I, rd.p, rd.bounded, start, log), false;
+                return failText(*D, I, rd.p, start, log), false;
             memcpy(rec + f.off, v, n + 1);
             rd.p += 8 + size_t(len);
             rd.left -= 8 + size_t(len);
@@ -381,7 +404,7 @@ uint32_t opWrite(const void *rec, uint8_t **cursor) {
 }
 template <const Desc *D>
 uint32_t opRead(void *rec, const uint8_t **cursor, size_t left, const ReadLog &log) {
-    Reader rd{*cursor, left, true};
+    Reader rd{*cursor, left};
     uint32_t st = Rec<D>::read(static_cast<uint8_t *>(rec), rd, &log);
     *cursor = rd.p;
     return st;
@@ -389,23 +412,50 @@ uint32_t opRead(void *rec, const uint8_t **cursor, size_t left, const ReadLog &l
 // The exported form: the caller vouches for its buffer.
 template <const Desc *D>
 uint32_t opReadTrusted(void *rec, const uint8_t **cursor) {
-    Reader rd{*cursor, SIZE_MAX, false};
+    Reader rd{*cursor, SIZE_MAX};
     uint32_t st = Rec<D>::read(static_cast<uint8_t *>(rec), rd, nullptr);
     *cursor = rd.p;
     return st;
 }
+template <const Desc *D>
+const char *recordMissing(const void *const *args) {
+    return args[0] ? nullptr : D->name;
+}
+template <const Desc *D>
+uint32_t recordFill(void *payload, const void *const *args) {
+    return opCopy<D>(payload, args[0]);
+}
+template <const Desc *D>
+const char *bareMissing(const void *const *args) {
+    for (uint32_t i = 0; i < D->count; ++i)
+        if (!args[i]) return D->fields[i].name;
+    return nullptr;
+}
+template <const Desc *D>
+uint32_t bareFill(void *payload, const void *const *args) {
+    Rec<D>::fill(static_cast<uint8_t *>(payload), args);
+    return INTFWIFIAP_STATUS_OK;
+}
 
-template <class T, const Desc *D>
-constexpr Ops makeOps() {
-    return Ops{D->name, sizeof(T), alignof(T), opCopy<D>, opClean<D>, opSize<D>, opWrite<D>,
-               opRead<D>};
+// A record travels in a context of its own after the hold word; bare fields
+// are described in place in theirs.
+template <class R, const Desc *D>
+constexpr Ops recordOps() {
+    return Ops{D->name,       sizeof(R),        offsetof(RecordCtx<R>, payload),
+               sizeof(RecordCtx<R>), opCopy<D>, opClean<D>, opSize<D>, opWrite<D>, opRead<D>,
+               recordMissing<D>, recordFill<D>};
+}
+template <class Ctx, const Desc *D>
+constexpr Ops bareOps() {
+    return Ops{D->name,   sizeof(Ctx), 0,          sizeof(Ctx),      opCopy<D>, opClean<D>,
+               opSize<D>, opWrite<D>,  opRead<D>, bareMissing<D>, bareFill<D>};
 }
 
 }  // namespace wifiap::codec
 
 // A record R described by D: its Ops, and its five exported functions.
 #define WIFIAP_RECORD(R, OPS, D)                                                           \
-    constinit const ::wifiap::codec::Ops OPS = ::wifiap::codec::makeOps<R, &D>();          \
+    constinit const ::wifiap::codec::Ops OPS = ::wifiap::codec::recordOps<R, &D>();          \
     extern "C" INTFWIFIAP_API uint32_t intfWifiAp_##R##_copy(R *dst, const R *src) {       \
         return ::wifiap::codec::opCopy<&D>(dst, src);                                      \
     }                                                                                      \

@@ -4,12 +4,13 @@
 
 namespace wifiap::codec {
 
-constinit const Ops kCreateReq = makeOps<CreateReq, &kCreateReqDesc>();
-constinit const Ops kCreateRes = makeOps<CreateRes, &kCreateResDesc>();
-constinit const Ops kBridgeAndIps = makeOps<BridgeAndIps, &kBridgeAndIpsDesc>();
-constinit const Ops kIps = makeOps<Ips, &kIpsDesc>();
-constinit const Ops kSsidText = makeOps<SsidText, &kSsidTextDesc>();
-constinit const Ops kResult = makeOps<Result, &kResultDesc>();
-constinit const Ops kHeader = makeOps<Header, &kHeaderDesc>();
+constinit const Ops kCreateReq = bareOps<CreateReq, &kCreateReqDesc>();
+constinit const Ops kCreateRes = bareOps<CreateRes, &kCreateResDesc>();
+constinit const Ops kBridgeAndIps = bareOps<BridgeAndIps, &kBridgeAndIpsDesc>();
+constinit const Ops kIps = bareOps<Ips, &kIpsDesc>();
+constinit const Ops kSsidText = bareOps<SsidText, &kSsidTextDesc>();
+constinit const Ops kResult = bareOps<Result, &kResultDesc>();
+constinit const Ops kEncStatus = bareOps<EncStatus, &kEncStatusDesc>();
+constinit const Ops kHeader = bareOps<Header, &kHeaderDesc>();
 
 }  // namespace wifiap::codec

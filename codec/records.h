@@ -159,6 +159,7 @@ inline constexpr Field bridgeAndIps[] = {WF_TEXT(BridgeAndIps, bridge), WF_TEXT(
 inline constexpr Field ips[] = {WF_TEXT(Ips, ips)};
 inline constexpr Field ssidText[] = {WF_TEXT(SsidText, text)};
 inline constexpr Field result[] = {WF_INT(Result, result)};
+inline constexpr Field encStatus[] = {WF_INT(EncStatus, encStatus)};
 inline constexpr Field header[] = {WF_INT(Header, magic), WF_INT(Header, version)};
 }  // namespace fields
 
@@ -171,6 +172,7 @@ inline constexpr Desc kBridgeAndIpsDesc = makeDesc("", fields::bridgeAndIps);
 inline constexpr Desc kIpsDesc = makeDesc("", fields::ips);
 inline constexpr Desc kSsidTextDesc = makeDesc("", fields::ssidText);
 inline constexpr Desc kResultDesc = makeDesc("", fields::result);
+inline constexpr Desc kEncStatusDesc = makeDesc("", fields::encStatus);
 // The body header: tag 0 the magic, tag 1 the version.
 inline constexpr Desc kHeaderDesc = makeDesc("", fields::header, 0);
 

@@ -1,13 +1,14 @@
 // Feeds arbitrary bodies to every message's unserialize callback, with the
 // received length, and round-trips what it accepts. Built with clang's
 // libFuzzer and AddressSanitizer: any read past a body, leak or crash fails.
+#include <stdarg.h>
 #include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
 
 #include "intfWifiAp.h"
 
-extern "C" void __wrap_syslog(int, const char *, ...) {}
+extern "C" void __wrap_vsyslog(int, const char *, va_list) {}
 
 // Magic and body version of each row, so that most inputs reach the payload.
 const struct {

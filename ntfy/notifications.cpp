@@ -22,7 +22,7 @@ const Desc kAssocDevActiveListChanged =
 const Desc kWpsStatus =
     ntfy("wpsStatus", "ntfyWpsStatus", 2, MAGIC(WPSSTATUS), 2, &c::kWpsStatusStruct);
 const Desc kEncryptionStatus = ntfy("encryptionStatus", "ntfyEncryptionStatus", 3,
-                                    MAGIC(ENCRYPTIONSTATUS), 1, &c::kResult);
+                                    MAGIC(ENCRYPTIONSTATUS), 1, &c::kEncStatus);
 const Desc kDisassocEvent =
     ntfy("disassocEvent", "ntfyDisassocEvent", 4, MAGIC(DISASSOCEVENT), 1, &c::kAssocDevInfo);
 
@@ -46,7 +46,7 @@ M as(void *f) {
     NTFY_COMMON(D, Name, name)                                                                   \
     INTFWIFIAP_API void intfWifiAp_sendReq_ntfy##Name(ismUser_t u, const char *bus,              \
                                                       const char *user, const R *rec) {          \
-        sendNtfy(D, u, bus, user, rec);                                                          \
+        sendNtfy(D, u, bus, user, {rec});                                                        \
     }                                                                                            \
     INTFWIFIAP_API void intfWifiAp_recvReq_ntfy##Name(ismMsg_t msg, void *ctx, void *m,         \
                                                       uintptr_t ref) {                           \
@@ -77,14 +77,13 @@ NEED_UPDATE(kEncryptionStatus, EncryptionStatus)
 // EncryptionStatus carries a bare word instead of a record.
 INTFWIFIAP_API void intfWifiAp_sendReq_ntfyEncryptionStatus(ismUser_t u, const char *bus,
                                                             const char *user, uint32_t encStatus) {
-    const c::Result word{encStatus};
-    sendNtfy(kEncryptionStatus, u, bus, user, &word);
+    sendNtfy(kEncryptionStatus, u, bus, user, {&encStatus});
 }
 INTFWIFIAP_API void intfWifiAp_recvReq_ntfyEncryptionStatus(ismMsg_t msg, void *ctx, void *m,
                                                             uintptr_t ref) {
     if (const void *p = recvReq(kEncryptionStatus, msg, ctx, m))
         as<intfWifiAp_ntfyMthd_encStatus_t>(m)(msg, ref,
-                                               static_cast<const c::Result *>(p)->result);
+                                               static_cast<const c::EncStatus *>(p)->encStatus);
 }
 
 }  // extern "C"

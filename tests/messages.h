@@ -18,6 +18,10 @@ using ct::Bytes, ct::operator+;
 // The reference a two-way command's sample request is sent with.
 inline constexpr uintptr_t kRef = 0x5EF;
 
+// How a sample is sent: as it is, without the client's callback, or with a
+// null pointer for every payload argument.
+enum Mode { kSample, kNoCallback, kNull };
+
 struct Message {
     std::string name;  // callback suffix: "configure", "wpsStatus"
     bool ntfy;
@@ -30,13 +34,19 @@ struct Message {
     void *method;  // records what it receives in g_method
     // Sends the sample request (a two-way command's callback records the
     // response in g_callback) or publishes the sample notification.
-    std::function<uint32_t(ismUser_t, const char *bus, const char *user)> send;
-    Bytes request;                              // its payload elements
-    std::function<void(ismMsg_t)> answer = {};  // two-way: sends the sample response
+    std::function<uint32_t(ismUser_t, const char *bus, const char *user, Mode)> sendWith;
+    Bytes request;                                        // its payload elements
+    std::function<void(ismMsg_t, Mode)> answerWith = {};  // two-way: sends the sample response
     Bytes response = {};
     bool twoWay = false;
     uint32_t index = 0;  // row in its table
+    // The argument a null payload is refused for, on each side ("": none).
+    std::string nullReq = "", nullRes = "";
 
+    uint32_t send(ismUser_t u, const char *bus, const char *user, Mode mode = kSample) const {
+        return sendWith(u, bus, user, mode);
+    }
+    void answer(ismMsg_t msg, Mode mode = kSample) const { answerWith(msg, mode); }
     const intfWifiAp_msgEntry &row() const {
         return ntfy ? intfWifiAp_base.ntfy[index] : intfWifiAp_base.cmd[index];
     }
@@ -70,6 +80,7 @@ struct Seen {
     ismMsg_t msg = nullptr;
     uintptr_t ref = 0;
     Bytes payload;
+    const void *at = nullptr;  // the first pointer handed over
 };
 extern Seen g_method, g_callback;
 // When set, a server method answers with the sample response; its reference

@@ -1,6 +1,7 @@
 // Every message's functions against the scripted framework: the calls made,
 // the lines logged, the codes returned, and every block released.
 #include <stdlib.h>
+#include <string.h>
 #include <syslog.h>
 
 #include <algorithm>
@@ -95,6 +96,10 @@ TEST_P(Msg, Exchange) {
         EXPECT_EQ((Args{a[2] != 0, a[3] != 0}), (Args{two, two})) << "handler and callback";
         EXPECT_EQ(a, (Args{w(kUser) + 1, w(ctx), a[2], a[3], two * mt::kRef, w(kBus), w(kDest),
                            fake::kCmdNum, m().index, 0xFFFF, kFlags}));
+        m().send(kUser, kBus, kDest, mt::kNoCallback);
+        const Args b = fake::calls().back().args;
+        EXPECT_EQ((Args{b[2], b[3]}), (Args{0, 0})) << "no callback, no handler";
+        row().freeBody(0, reinterpret_cast<void *>(b[1]));
     }
     row().method(kMsg, ctx, m().method, 0x99);
     row().method(kMsg, ctx, nullptr, 0x99);
@@ -124,20 +129,31 @@ TEST_P(Msg, Exchange) {
     cap::failAlloc(0);
     EXPECT_EQ(m().send(kUser, kBus, kDest), 0u);
     lines = {"intfWifiAp_sendReq_" + m().typedSfx() + ": Allocating Memory Ctx[]\n"};
+    // The user name is tested, and a response's need, before any argument is read.
     if (!m().ntfy) {
-        EXPECT_EQ(m().send(kUser, kBus, nullptr), 0u);
+        EXPECT_EQ(m().send(kUser, kBus, nullptr, mt::kNull), 0u);
         lines.push_back(cap::fmt("intfWifiAp_sendReq_%s: user(%p): UserName Null\n",
                                  m().name.c_str(), kUser));
     }
+    if (!m().nullReq.empty()) {
+        EXPECT_EQ(m().send(kUser, kBus, kDest, mt::kNull), 0u);
+        lines.push_back(cap::fmt("intfWifiAp_sendReq_%s: user(%p): %s Null\n",
+                                 m().typedSfx().c_str(), kUser, m().nullReq.c_str()));
+    }
     if (m().twoWay) {
         fake::answer("ismCore_isMsg_needRes", {1});
-        m().answer(kMsg);
+        m().answer(kMsg, mt::kNull);
         cap::failAlloc(0);
         m().answer(kMsg);
         lines.push_back("intfWifiAp_sendRes_" + m().name + ": Allocating Memory Ctx[]\n");
+        if (!m().nullRes.empty()) {
+            m().answer(kMsg, mt::kNull);
+            lines.push_back(cap::fmt("intfWifiAp_sendRes_%s: msg(%p): %s Null\n",
+                                     m().name.c_str(), kMsg, m().nullRes.c_str()));
+        }
     }
     EXPECT_EQ(cap::allocations(), allocs);
-    EXPECT_EQ(fake::names(), Lines(2 * two, "ismCore_isMsg_needRes"));
+    EXPECT_EQ(fake::names(), Lines((2 + !m().nullRes.empty()) * two, "ismCore_isMsg_needRes"));
     EXPECT_EQ(logged(), lines);
 }
 
@@ -147,21 +163,22 @@ TEST_P(Msg, Dispatch) {
     void *const v1 = (void *)1, *const v2 = (void *)2, *const v3 = (void *)3;
     const uintptr_t intf = w(intfWifiAp_base.name), cmdHdr = w(&intfWifiAp_base.cmdHdr),
                     ntfyHdr = w(&intfWifiAp_base.ntfyHdr), magic = m().magic + 1;
+    const std::string bus(600, 'b');  // its line is not cut
     auto dispatch = [&] {
-        return m().ntfy ? m().modCli(kUser, v1, v2, v3, kBus, kDest)
+        return m().ntfy ? m().modCli(kUser, v1, v2, v3, bus.c_str(), kDest)
                         : m().modSrv(kUser, v1, v2, v3);
     };
     fake::answer(m().ntfy ? "ismIntf_modCliNtfyUser_mthd" : "ismIntf_modSrv_mthd", {0, 6});
     EXPECT_EQ(dispatch(), 0);
     EXPECT_EQ(dispatch(), 6);
     EXPECT_EQ(fake::calls().back().args,
-              (m().ntfy ? Args{w(kUser), 1, 2, 3, magic, w(kBus), w(kDest), intf, cmdHdr, ntfyHdr,
-                               m().index}
+              (m().ntfy ? Args{w(kUser), 1, 2, 3, magic, w(bus.c_str()), w(kDest), intf, cmdHdr,
+                               ntfyHdr, m().index}
                         : Args{w(kUser), 1, 2, 3, magic, intf, cmdHdr, ntfyHdr, m().index, 0xFFFF,
                                0xFFFF}));
-    Lines lines{m().ntfy ? cap::fmt("intfWifiAp_modCliNtfyUser_recvMsg_%s: user(%p) bus name(bus) "
-                                    "user name(%p): ModCliNtfyUser\n",
-                                    m().name.c_str(), kUser, (const void *)kDest)
+    Lines lines{m().ntfy ? cap::fmt("intfWifiAp_modCliNtfyUser_recvMsg_%s: user(%p) bus name(",
+                                    m().name.c_str(), kUser) +
+                               bus + cap::fmt(") user name(%p): ModCliNtfyUser\n", (const void *)kDest)
                          : cap::fmt("intfWifiAp_modSrv_recvMsg_%s: user(%p): ModCliNtfyUser "
                                     "failed(6)\n", m().name.c_str(), kUser)};
     ASSERT_EQ(m().needUpdate == nullptr, !m().ntfy || m().name == "disassocEvent");
@@ -239,6 +256,7 @@ TEST_P(Msg, BodyCallbacks) {
         EXPECT_EQ(out, nullptr);
         EXPECT_EQ(ctx, nullptr);
         body = good + scalar(3, 9);
+        body[20] = 0xAB, body[21] = 0xCD;  // only the version's low 16 bits count
         ASSERT_EQ(row().unserializeBody(type, body.data(), &ctx, &(n = body.size())), 0u);
         EXPECT_TRUE(good.size() > 24 || n == 8) << "a context of magic and hold word";
         row().freeBody(type, ctx);
@@ -316,6 +334,56 @@ TEST_F(Bodies, PayloadRefusals) {
                                            : m.cb("unserialize", "Res")) +
                                   cap::fmt(": pBody(%p): Tl(4-4) expectded(3)\n",
                                            body.data() + (*record ? 24 : 0))});
+    }
+}
+
+// Bare fields follow the hold word, each at its own alignment with no record
+// around them: the context's size, what lies at each field's offset, and
+// where the method or the client's callback finds the first text.
+TEST_F(Bodies, BareFieldsFollowTheHoldWord) {
+    struct At {
+        size_t off;
+        bool text;
+    };
+    const std::tuple<const char *, uint32_t, uint32_t, std::vector<At>> cases[] = {
+        {"create", 0, 168, {{6, true}, {86, true}}},
+        {"create", 1, 52, {{6, true}, {26, true}, {48, false}}},
+        {"setBridgeAndIps", 0, 104, {{6, true}, {86, true}}},
+        {"setIps", 0, 24, {{6, true}}},
+        {"ssidinfo", 0, 88, {{6, true}}},
+        {"ssidinfo", 1, 12, {{8, false}}},
+        {"encryptionStatus", 0, 12, {{8, false}}},
+        {"stop", 0, 8, {}},
+    };
+    for (const auto &[name, type, size, fields] : cases) {
+        const Message &m = msg(name);
+        Bytes body = m.body(type);
+        void *ctx = nullptr;
+        uint32_t n = uint32_t(body.size());
+        ASSERT_EQ(m.row().unserializeBody(type, body.data(), &ctx, &n), 0u) << name;
+        EXPECT_EQ(n, size) << name;
+        const auto *at = static_cast<const uint8_t *>(ctx);
+        Bytes found;
+        for (uint32_t i = 0; i < fields.size(); ++i) {
+            uint32_t word;
+            memcpy(&word, at + fields[i].off, sizeof word);
+            found = found + (fields[i].text ? text(3 + i, (const char *)at + fields[i].off)
+                                            : scalar(3 + i, word));
+        }
+        EXPECT_EQ(found, type ? m.response : m.request) << name << " " << type;
+        if (type == 0) {
+            m.row().method(kMsg, ctx, m.method, 0);
+        } else {
+            m.send(kUser, kBus, kDest);
+            const Args a = fake::calls().back().args;
+            void *record[2] = {reinterpret_cast<void *>(a[3]), (void *)mt::kRef};
+            reinterpret_cast<ismResHandler_t>(a[2])(nullptr, record, ctx);
+            m.row().freeBody(0, reinterpret_cast<void *>(a[1]));
+        }
+        if (!fields.empty() && fields[0].text) {
+            EXPECT_EQ((type ? mt::g_callback : mt::g_method).at, at + fields[0].off) << name;
+        }
+        m.row().freeBody(type, ctx);
     }
 }
 

@@ -14,13 +14,13 @@ std::vector<std::string> g_lines;
 }
 
 // The library's lines come here rather than to the system log.
-extern "C" void __wrap_syslog(int, const char *fmt, ...) {
-    char buf[512];
-    va_list ap;
-    va_start(ap, fmt);
-    vsnprintf(buf, sizeof buf, fmt, ap);
-    va_end(ap);
-    std::string s(buf);
+extern "C" void __wrap_vsyslog(int, const char *fmt, va_list ap) {
+    va_list again;
+    va_copy(again, ap);
+    std::string s(size_t(vsnprintf(nullptr, 0, fmt, ap)) + 1, '\0');
+    vsnprintf(s.data(), s.size(), fmt, again);
+    va_end(again);
+    s.pop_back();
     static const char kPrefix[] = "[INTFWIFIAP] -> ";
     if (s.rfind(kPrefix, 0) == 0) s.erase(0, sizeof kPrefix - 1);
     // "name(line): text" -> "name: text"; the source line helps nobody here.

@@ -1,7 +1,7 @@
 // What the library itself makes of a body: the message's own unserialize
 // callback (from its row of intfWifiAp_base) with the body's length, and the
 // lines it logs. Needs the library's objects linked in, with syslog wrapped
-// (-Wl,--wrap=syslog) so that the lines come here.
+// (-Wl,--wrap=vsyslog) so that the lines come here.
 #pragma once
 
 #include <stddef.h>

@@ -62,7 +62,7 @@ const Names kNames[] = {
     {&c::kIpsDesc, "", kIps},
     {&c::kSsidTextDesc, "", kText},
     {&c::kResultDesc, "", kResult},
-    {&c::kResultDesc, "", kEncStatus},
+    {&c::kEncStatusDesc, "", kEncStatus},
     {&c::kHeaderDesc, "", kHeader},
 };
 

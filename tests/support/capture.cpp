@@ -33,10 +33,9 @@ bool shouldFail() {
     return g_failIn-- == 0;
 }
 
-void record(int prio, const char *msg) {
+void record(int prio, const std::string &s) {
     static const char kPrefix[] = "[INTFWIFIAP] -> ";
-    std::string s(msg);
-    if (prio == LOG_EMERG) fprintf(stderr, "%s", msg);  // visible to death tests
+    if (prio == LOG_EMERG) fprintf(stderr, "%s", s.c_str());  // visible to death tests
     size_t open = s.find('(', sizeof kPrefix - 1);
     size_t close = s.find("): ", open == std::string::npos ? 0 : open);
     if (s.rfind(kPrefix, 0) != 0 || open == std::string::npos || close == std::string::npos) {
@@ -89,13 +88,15 @@ uint32_t lastFreedWord() { return g_lastFreed; }
 
 extern "C" {
 
-void __wrap_syslog(int prio, const char *f, ...) {
-    char buf[2048];
-    va_list ap;
-    va_start(ap, f);
-    vsnprintf(buf, sizeof buf, f, ap);
-    va_end(ap);
-    cap::record(prio, buf);
+// Formatted whole, however long: a cut line would hide a cut in the library.
+void __wrap_vsyslog(int prio, const char *f, va_list ap) {
+    va_list again;
+    va_copy(again, ap);
+    std::string s(size_t(vsnprintf(nullptr, 0, f, ap)) + 1, '\0');
+    vsnprintf(s.data(), s.size(), f, again);
+    va_end(again);
+    s.pop_back();
+    cap::record(prio, s);
 }
 
 void *__wrap_malloc(size_t n) {
