@@ -72,7 +72,7 @@ const Read kReads[] = {
     {"u32 length 4 bytes past the end", "conf", {0, 0, 0, 3, 0, 0, 0, 8, 0, 0, 0, 1},
      tl("conf", 0, 3, 8, 3, 4, 4), 0, BoundedOnly, nullptr, Bytes(4, 0) + scalar(4, 2)},
     {"u64 length 8 bytes past the end", kDs, wide(3, 5, 16), tl(kDs, 0, 3, 16, 3, 4, 21), 0,
-     BoundedOnly, nullptr, Bytes(8, 0) + wide(4, 6)},
+     BoundedOnly, nullptr, Bytes(8, 0) + wide(4, 6) + wide(99, 0)},
     {"text length 4 bytes past the end", kWs, scalar(3, 1) + Bytes{0, 0, 0, 4, 0, 0, 0, 8, 'a', 'b', 0, 0},
      tl(kWs, 0, 4, 8, 4), 12, BoundedOnly, nullptr, Bytes(4, 0)},
     // A text ends at its element's first NUL, which the field must hold: the
