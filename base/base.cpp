@@ -1,5 +1,6 @@
 // The interface descriptor and the library's start and stop with the framework.
 #include "internal.h"
+#include "messages.h"
 
 using namespace wifiap;
 
@@ -9,9 +10,9 @@ using namespace wifiap;
      intfWifiAp_cbEvtMsgMngt_serializeBody_##kind##_##sfx,                                  \
      intfWifiAp_cbEvtMsgMngt_unserializeBody_##kind##_##sfx,                                \
      intfWifiAp_cbEvtMsgMngt_logBody_##kind##_##sfx, idx}
-#define CMD_ROW(idx, tableName, sfx) ROW(idx, tableName, intfWifiAp_recvReq_##sfx, msgCmd, sfx)
-#define NTFY_ROW(idx, tableName, Name, sfx) \
-    ROW(idx, tableName, intfWifiAp_recvReq_ntfy##Name, msgNtfy, sfx)
+#define CMD_ROW(N, s, U, ...) ROW(INTFWIFIAP_CMD_##U, #N, intfWifiAp_recvReq_##s, msgCmd, s),
+#define NTFY_ROW(N, s, U, ...) ROW(INTFWIFIAP_NTFY_##U, #N, intfWifiAp_recvReq_ntfy##N, msgNtfy, s),
+#define SKIP(...)
 
 extern "C" {
 
@@ -20,33 +21,10 @@ INTFWIFIAP_API intfWifiAp_desc intfWifiAp_base = {
     "IntfWifiAp",
     {INTFWIFIAP_MAGIC_INTF_CMD, "IntfWifiApCmd", intfWifiAp_cbEvtMsgMngt_unreg_msgCmd, kNumNone,
      INTFWIFIAP_CMD_COUNT},
-    {
-        CMD_ROW(0, "Configure", configure),
-        CMD_ROW(1, "SetBridgeAndIps", setBridgeAndIps),
-        CMD_ROW(2, "SetIps", setIps),
-        CMD_ROW(3, "Create", create),
-        CMD_ROW(4, "Ssidinfo", ssidinfo),
-        CMD_ROW(5, "Stop", stop),
-        CMD_ROW(6, "StartWPS", startWPS),
-        CMD_ROW(7, "StartPhysicalWPS", startPhysicalWPS),
-        CMD_ROW(8, "ToogleWps", toogleWps),
-        CMD_ROW(9, "StopWps", stopWps),
-        CMD_ROW(10, "GeneratePinCodeWPS", generatePinCodeWPS),
-        CMD_ROW(11, "ToogleWifi", toogleWifi),
-        CMD_ROW(12, "SendAccountingRequest", sendAccountingRequest),
-        CMD_ROW(13, "GetAssocDevStats", getAssocDevStats),
-        CMD_ROW(14, "ForceApplyMacFilterChange", forceApplyMacFilterChange),
-    },
+    {WIFIAP_MESSAGES(CMD_ROW, SKIP)},
     {INTFWIFIAP_MAGIC_INTF_NTFY, "IntfWifiApNtfy", intfWifiAp_cbEvtMsgMngt_unreg_msgNtfy, kNumNone,
      INTFWIFIAP_NTFY_COUNT},
-    {
-        NTFY_ROW(0, "OnProbeReceived", OnProbeReceived, onProbeReceived),
-        NTFY_ROW(1, "AssocDevActiveListChanged", AssocDevActiveListChanged,
-                 assocDevActiveListChanged),
-        NTFY_ROW(2, "WpsStatus", WpsStatus, wpsStatus),
-        NTFY_ROW(3, "EncryptionStatus", EncryptionStatus, encryptionStatus),
-        NTFY_ROW(4, "DisassocEvent", DisassocEvent, disassocEvent),
-    },
+    {WIFIAP_MESSAGES(SKIP, NTFY_ROW)},
     0,
     INTFWIFIAP_STATE_BASE_WAIT_INIT,
     0,
@@ -119,17 +97,17 @@ bool handOver(const Table &t) {
     uintptr_t *block = nullptr;
     t.hdr.num = ismCore_getBase_msgMngt(t.hdr.name, &block, t.count);
     if (t.hdr.num == kNumNone || block == nullptr) return false;
-    block[0] = reinterpret_cast<uintptr_t>(t.hdr.name);
-    block[1] = reinterpret_cast<uintptr_t>(t.hdr.unreg);
+    block[ISM_BLOCK_NAME] = reinterpret_cast<uintptr_t>(t.hdr.name);
+    block[ISM_BLOCK_UNREG] = reinterpret_cast<uintptr_t>(t.hdr.unreg);
     for (uint32_t i = 0; i < t.count; ++i) {
         const intfWifiAp_msgEntry &e = t.rows[i];
-        uintptr_t *w = block + 3 + 6 * i;
-        w[0] = e.reserved;
-        w[1] = reinterpret_cast<uintptr_t>(e.name);
-        w[2] = reinterpret_cast<uintptr_t>(e.freeBody);
-        w[3] = reinterpret_cast<uintptr_t>(e.serializeBody);
-        w[4] = reinterpret_cast<uintptr_t>(e.unserializeBody);
-        w[5] = reinterpret_cast<uintptr_t>(e.logBody);
+        uintptr_t *w = block + ISM_BLOCK_ROWS + ISM_ROW_WORDS * i;
+        w[ISM_ROW_RESERVED] = e.reserved;
+        w[ISM_ROW_NAME] = reinterpret_cast<uintptr_t>(e.name);
+        w[ISM_ROW_FREE] = reinterpret_cast<uintptr_t>(e.freeBody);
+        w[ISM_ROW_SERIALIZE] = reinterpret_cast<uintptr_t>(e.serializeBody);
+        w[ISM_ROW_UNSERIALIZE] = reinterpret_cast<uintptr_t>(e.unserializeBody);
+        w[ISM_ROW_LOG] = reinterpret_cast<uintptr_t>(e.logBody);
     }
     return true;
 }
@@ -171,7 +149,7 @@ INTFWIFIAP_API int32_t intfWifiAp_addBase(void) {
     if (b.magic != INTFWIFIAP_MAGIC_BASE)
         magicFailed(who, __LINE__, false, "INTFWIFIAP_MAGIC_BASE", INTFWIFIAP_MAGIC_BASE, &b,
                     b.magic);
-    if (!checkState(who, INTFWIFIAP_STATE_BASE_WAIT_INIT)) return 3;
+    if (!checkState(who, INTFWIFIAP_STATE_BASE_WAIT_INIT)) return INTFWIFIAP_ERR_STATE;
     b.flags = 0;
     const Table tables[] = {cmdTable(), ntfyTable()};
     const char *const failed[] = {"Add command message management failed\n",
@@ -180,7 +158,7 @@ INTFWIFIAP_API int32_t intfWifiAp_addBase(void) {
         if (tables[i].hdr.count == 0) continue;
         if (!handOver(tables[i])) {
             WLOG_ERR(who, "%s", failed[i]);
-            return 1;
+            return INTFWIFIAP_ERR_TABLE;
         }
         setFlag(who, tables[i]);
     }
@@ -195,7 +173,7 @@ INTFWIFIAP_API int32_t intfWifiAp_addBase(void) {
 
 INTFWIFIAP_API int32_t intfWifiAp_delBase(void) {
     const Who who{"intfWifiAp_delBase"};
-    if (!checkState(who, INTFWIFIAP_STATE_BASE_INIT)) return 3;
+    if (!checkState(who, INTFWIFIAP_STATE_BASE_INIT)) return INTFWIFIAP_ERR_STATE;
     int32_t rc = giveBack(who, cmdTable(), "command");
     if (rc == 0) rc = giveBack(who, ntfyTable(), "notification");
     if (rc != 0) return rc;

@@ -4,9 +4,26 @@
 
 namespace wifiap::msg {
 
-namespace {
+#define WIFIAP_CMD_DESC(N, s, U, version, Req, Res)                                            \
+    {#N,                                                                                        \
+     #s,                                                                                        \
+     #s,                                                                                        \
+     INTFWIFIAP_CMD_##U,                                                                        \
+     INTFWIFIAP_MAGIC_MSGCMD_##U,                                                               \
+     "INTFWIFIAP_MAGIC_MSGCMD_" #U,                                                             \
+     version,                                                                                   \
+     false,                                                                                     \
+     &codec::k##Req,                                                                            \
+     codec::k##Res##Desc.count ? &codec::k##Res : nullptr},
+#define WIFIAP_NTFY_DESC(N, s, U, version, Payload, update)                                    \
+    {#N,      #s,    "ntfy" #N, INTFWIFIAP_NTFY_##U, INTFWIFIAP_MAGIC_MSGNTFY_##U,             \
+     "INTFWIFIAP_MAGIC_MSGNTFY_" #U, version, true, &codec::k##Payload, nullptr},
+#define WIFIAP_SKIP(...)
 
-constexpr uint32_t kAnyIndex = 0xFFFF;
+constinit const Desc kCmds[] = {WIFIAP_MESSAGES(WIFIAP_CMD_DESC, WIFIAP_SKIP)};
+constinit const Desc kNtfys[] = {WIFIAP_MESSAGES(WIFIAP_SKIP, WIFIAP_NTFY_DESC)};
+
+namespace {
 
 enum Side { kRequest, kResponse, kPlain };
 
@@ -18,52 +35,60 @@ Who cbWho(const Desc &d, const char *op, Side side) {
     return Who{"intfWifiAp_cbEvtMsgMngt_", op, (d.ntfy ? kNtfySide : kCmdSide)[side], d.sfx};
 }
 
-size_t ctxSize(const codec::Ops *ops) { return ops ? ops->ctxBytes : sizeof(CtxHead); }
-
 // The side a body type selects. Unknown types and the response side of a
 // message that has none are logged here; `lf` is false for the free callback,
 // whose "unknown" line has no line feed.
-bool sideOf(const Desc &d, uint32_t type, const char *op, const char *noResponse, bool lf,
-            Side *side, const codec::Ops **ops) {
+const codec::Ops *sideOf(const Desc &d, uint32_t type, const char *op, const char *noResponse,
+                         bool lf, Side *side) {
     if (type == INTFWIFIAP_BODY_REQUEST) {
         *side = kRequest;
-        *ops = d.req;
-        return true;
+        return d.req;
     }
     Who plain = cbWho(d, op, kPlain);
     if (type != INTFWIFIAP_BODY_RESPONSE) {
         WLOG_ERR(plain, lf ? TXT_TYPE_UNKNOWN : TXT_TYPE_UNKNOWN_NOLF, type);
-        return false;
+        return nullptr;
     }
-    if (!d.twoWay) {
+    if (!d.twoWay()) {
         WLOG_ERR(plain, "%s", noResponse);
-        return false;
+        return nullptr;
     }
     *side = kResponse;
-    *ops = d.res;
+    return d.res;
+}
+
+// A context about to be used: a null one is logged and skipped, a foreign one
+// is fatal.
+bool present(const Desc &d, void *ctx, const Who &who) {
+    if (!ctx) {
+        WLOG_ERR(who, TXT_CTX_NULL, "");
+        return false;
+    }
+    CHECK_MAGIC(who, d.magicName, d.magic, ctx);
     return true;
 }
 
 // A null payload argument is refused before anything is allocated: sending
 // a zeroed record in its place would hide the caller's mistake.
-bool argsMissing(const codec::Ops *ops, Args args, const Who &who, const char *handle,
+bool argsMissing(const codec::Ops &ops, Args args, const Who &who, const char *handle,
                  const void *h) {
-    const char *arg = ops ? ops->missing(args.begin()) : nullptr;
+    const char *arg = ops.missing(args.begin());
     if (arg) WLOG_ERR(who, "%s(%p): %s Null\n", handle, h, arg);
     return arg != nullptr;
 }
 
 // A new zero-filled context with its magic and the sender's payload.
-void *newCtx(const Desc &d, const codec::Ops *ops, Args args, const Who &who) {
-    void *ctx = calloc(1, ctxSize(ops));
+void *newCtx(const Desc &d, const codec::Ops &ops, Args args, const Who &who) {
+    void *ctx = calloc(1, ops.ctxBytes);
     if (!ctx) {
         WLOG_ERR(who, TXT_ALLOC_CTX, "");
         return nullptr;
     }
-    static_cast<CtxHead *>(ctx)->magic = d.magic;
-    // Only records' copies can fail, and only through a nested record's copy.
-    if (ops && ops->fill(payloadOf(ctx, ops), args.begin()) != 0)
-        WLOG_ERR(who, TXT_COPY_FAILED, ops->name);
+    static_cast<codec::CtxHead *>(ctx)->magic = d.magic;
+    // Copies fail only through a nested record's copy, which no record can
+    // make fail today; the line stays for the day one can.
+    if (ops.fill(static_cast<uint8_t *>(ctx) + ops.at, args.begin()) != 0)
+        WLOG_ERR(who, TXT_COPY_FAILED, ops.name);
     return ctx;
 }
 
@@ -73,22 +98,18 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
 
 void freeBody(const Desc &d, uint32_t type, void *ctx) {
     Side side;
-    const codec::Ops *ops;
-    if (!sideOf(d, type, "freeBody_", "No free body response process\n", false, &side, &ops))
-        return;
+    const codec::Ops *ops =
+        sideOf(d, type, "freeBody_", "No free body response process\n", false, &side);
+    if (!ops) return;
     Who who = cbWho(d, "freeBody_", side);
-    if (!ctx) {
-        WLOG_ERR(who, TXT_CTX_NULL, "");
-        return;
-    }
-    auto *head = static_cast<CtxHead *>(ctx);
+    auto *head = static_cast<codec::CtxHead *>(ctx);
     // A command request is checked before its hold word; the other sides test
     // the hold word first and leave a held context alone, magic unseen.
-    bool holdFirst = d.ntfy || side == kResponse;
-    if (holdFirst && head->hold != 0) return;
-    CHECK_MAGIC(who, d.magicName, d.magic, ctx);
+    const bool holdFirst = d.ntfy || side == kResponse;
+    if (holdFirst && head && head->hold != 0) return;
+    if (!present(d, ctx, who)) return;
     if (!holdFirst && head->hold != 0) return;
-    if (ops) ops->clean(payloadOf(ctx, ops));
+    ops->clean(static_cast<uint8_t *>(ctx) + ops->at);
     // Through volatile: a store just before free() is otherwise optimised away.
     *static_cast<volatile uint32_t *>(&head->magic) = INTFWIFIAP_MAGIC_FREED;
     free(ctx);
@@ -96,18 +117,14 @@ void freeBody(const Desc &d, uint32_t type, void *ctx) {
 
 uint32_t serializeBody(const Desc &d, uint32_t type, void *ctx, uint8_t **body, uint32_t *len) {
     Side side;
-    const codec::Ops *ops;
-    if (!sideOf(d, type, "serializeBody_", "No Serialize response process\n", true, &side, &ops))
-        return INTFWIFIAP_BODY_TYPE_UNHANDLED;
+    const codec::Ops *ops =
+        sideOf(d, type, "serializeBody_", "No Serialize response process\n", true, &side);
+    if (!ops) return INTFWIFIAP_BODY_TYPE_UNHANDLED;
     Who who = cbWho(d, "serializeBody_", side);
-    if (!ctx) {
-        WLOG_ERR(who, TXT_CTX_NULL, "");
-        return INTFWIFIAP_BODY_PAYLOAD;
-    }
-    CHECK_MAGIC(who, d.magicName, d.magic, ctx);
-    const void *payload = ops ? payloadOf(ctx, ops) : nullptr;
-    const codec::Header header{static_cast<CtxHead *>(ctx)->magic, d.version};
-    uint32_t n = codec::kHeader.size(&header) + (ops ? ops->size(payload) : 0);
+    if (!present(d, ctx, who)) return INTFWIFIAP_BODY_PAYLOAD;
+    const void *payload = static_cast<uint8_t *>(ctx) + ops->at;
+    const codec::Header header{static_cast<codec::CtxHead *>(ctx)->magic, d.version};
+    uint32_t n = codec::kHeader.size(&header) + ops->size(payload);
     auto *buf = static_cast<uint8_t *>(calloc(1, n));
     if (!buf) {
         WLOG_ERR(who, TXT_ALLOC_N, "");
@@ -115,16 +132,14 @@ uint32_t serializeBody(const Desc &d, uint32_t type, void *ctx, uint8_t **body, 
     }
     uint8_t *cur = buf;
     codec::kHeader.write(&header, &cur);
-    if (ops) {
-        uint32_t rc = ops->write(payload, &cur);
-        if (rc != 0) {
-            WLOG_ERR(who,
-                     side == kRequest ? "BodyReq(%p): On serialize failed(%d)\n"
-                                      : "pBodyReq(%p): On serialize failed(%d)\n",
-                     buf, rc);
-            free(buf);
-            return rc;
-        }
+    // No writer fails today (they write into a buffer sized beforehand); the
+    // line is there for a record operation that can.
+    if (uint32_t rc = ops->write(payload, &cur); rc != 0) {
+        WLOG_ERR(who, side == kRequest ? "BodyReq(%p): On serialize failed(%d)\n"
+                                       : "pBodyReq(%p): On serialize failed(%d)\n",
+                 buf, rc);
+        free(buf);
+        return rc;
     }
     *body = buf;
     *len = n;
@@ -134,14 +149,12 @@ uint32_t serializeBody(const Desc &d, uint32_t type, void *ctx, uint8_t **body, 
 uint32_t unserializeBody(const Desc &d, uint32_t type, const uint8_t *body, void **out,
                          uint32_t *size) {
     Side side;
-    const codec::Ops *ops;
-    if (!sideOf(d, type, "unserializeBody_", "No Unserialize response process\n", true, &side,
-                &ops))
-        return INTFWIFIAP_BODY_TYPE_UNHANDLED;
+    const codec::Ops *ops =
+        sideOf(d, type, "unserializeBody_", "No Unserialize response process\n", true, &side);
+    if (!ops) return INTFWIFIAP_BODY_TYPE_UNHANDLED;
     Who who = cbWho(d, "unserializeBody_", side);
     const size_t received = *size;
-    const size_t n = ctxSize(ops);
-    void *ctx = calloc(1, n);
+    void *ctx = calloc(1, ops->ctxBytes);
     if (!ctx) {
         WLOG_ERR(who, TXT_ALLOC_CTX, "");
         return INTFWIFIAP_BODY_NOMEM;
@@ -156,18 +169,19 @@ uint32_t unserializeBody(const Desc &d, uint32_t type, const uint8_t *body, void
         // Another message's body (or a forged one) is refused here rather
         // than left to abort at the next magic check.
         rc = INTFWIFIAP_BODY_HEADER;
-    } else if (ops) {
+    } else {
         // Records log their own lines; bare fields log as part of the body.
-        rc = ops->read(payloadOf(ctx, ops), &cur, received - static_cast<size_t>(cur - body),
+        rc = ops->read(static_cast<uint8_t *>(ctx) + ops->at, &cur,
+                       received - static_cast<size_t>(cur - body),
                        ops->name[0] ? codec::ReadLog{} : bodyLog);
     }
     if (rc != INTFWIFIAP_BODY_OK) {
         free(ctx);
         return rc;
     }
-    static_cast<CtxHead *>(ctx)->magic = header.magic;
+    static_cast<codec::CtxHead *>(ctx)->magic = header.magic;
     *out = ctx;
-    *size = static_cast<uint32_t>(n);
+    *size = ops->ctxBytes;
     return INTFWIFIAP_BODY_OK;
 }
 
@@ -193,35 +207,35 @@ uint32_t sendReq(const Desc &d, ismResHandler_t handler, ismUser_t user, void *c
         WLOG_ERR(who, "user(%p): UserName Null\n", user);
         return 0;
     }
-    if (argsMissing(d.req, args, who, "user", user)) return 0;
-    void *ctx = newCtx(d, d.req, args, who);
+    if (argsMissing(*d.req, args, who, "user", user)) return 0;
+    void *ctx = newCtx(d, *d.req, args, who);
     if (!ctx) return 0;
     return ismCore_sendMsgReq_toNameUser(ismIntf_getCore_user(user), ctx, cb ? handler : nullptr,
-                                         cb, ref, bus, name, B().cmdHdr.num, d.index, kAnyIndex,
-                                         kSendFlags);
+                                         cb, ref, bus, name, B().cmdHdr.num, d.index, ISM_ANY,
+                                         ISM_SEND_FLAGS);
 }
 
 void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name, Args args) {
     Who who{"intfWifiAp_sendReq_", d.typedSfx};
-    if (argsMissing(d.req, args, who, "user", user)) return;
-    void *ctx = newCtx(d, d.req, args, who);
+    if (argsMissing(*d.req, args, who, "user", user)) return;
+    void *ctx = newCtx(d, *d.req, args, who);
     if (!ctx) return;
     ismIntf_sendReq_ntfy(user, ctx, nullptr, nullptr, 0, bus, name, B().name, B().ntfyHdr.num,
-                         d.index, 0, 0, kSendFlags);
+                         d.index, 0, 0, ISM_SEND_FLAGS);
 }
 
 void sendRes(const Desc &d, ismMsg_t msg, Args args) {
     if (ismCore_isMsg_needRes(msg) != 0) return;
     Who who{"intfWifiAp_sendRes_", d.typedSfx};
-    if (argsMissing(d.res, args, who, "msg", msg)) return;
-    void *ctx = newCtx(d, d.res, args, who);
+    if (argsMissing(*d.res, args, who, "msg", msg)) return;
+    void *ctx = newCtx(d, *d.res, args, who);
     if (!ctx) return;
-    ismCore_sendMsgRes(msg, ctx, INTFWIFIAP_BODY_OK, kSendFlags);
+    ismCore_sendMsgRes(msg, ctx, INTFWIFIAP_BODY_OK, ISM_SEND_FLAGS);
 }
 
 int32_t modSrvRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) {
     int32_t rc = ismIntf_modSrv_mthd(user, v1, v2, v3, d.magic + 1, B().name, &B().cmdHdr,
-                                     &B().ntfyHdr, d.index, kAnyIndex, kAnyIndex);
+                                     &B().ntfyHdr, d.index, ISM_ANY, ISM_ANY);
     const Who who{"intfWifiAp_modSrv_recvMsg_", d.sfx};
     if (rc != 0) WLOG_ERR(who, "user(%p): ModCliNtfyUser failed(%d)\n", user, rc);
     return rc;
@@ -247,35 +261,51 @@ int32_t needUpdate(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) 
 }
 
 const void *recvReq(const Desc &d, ismMsg_t msg, void *ctx, void *method) {
-    Who who{"intfWifiAp_recvReq_", d.typedSfx};
-    if (!ctx) {
-        WLOG_ERR(who, TXT_CTX_NULL, "");
-        return nullptr;
-    }
-    CHECK_MAGIC(who, d.magicName, d.magic, ctx);
+    if (!present(d, ctx, Who{"intfWifiAp_recvReq_", d.typedSfx})) return nullptr;
     if (!method) {
-        ismCore_sendMsgRes(msg, ctx, INTFWIFIAP_STATUS_NO_HANDLER, kSendFlags);
+        ismCore_sendMsgRes(msg, ctx, ISM_STATUS_NO_HANDLER, ISM_SEND_FLAGS);
         return nullptr;
     }
-    return payloadOf(ctx, d.req);
+    return static_cast<uint8_t *>(ctx) + d.req->at;
 }
 
 Answer recvRes(const Desc &d, ismMsg_t msg, void *ctx) {
-    Who who{"intfWifiAp_recvRes_", d.sfx};
-    if (!ctx) {
-        WLOG_ERR(who, TXT_CTX_NULL, "");
-        return {};
-    }
-    CHECK_MAGIC(who, d.magicName, d.magic, ctx);
+    if (!present(d, ctx, Who{"intfWifiAp_recvRes_", d.sfx})) return {};
     // The framework's record of the message opens with the client's callback
     // and reference, as given to the request.
     void *const *record = static_cast<void *const *>(msg);
     void *cb = record[0];
     if (!cb) {
-        ismCore_sendMsgRes(msg, ctx, INTFWIFIAP_STATUS_NO_HANDLER, kSendFlags);
+        ismCore_sendMsgRes(msg, ctx, ISM_STATUS_NO_HANDLER, ISM_SEND_FLAGS);
         return {};
     }
-    return {payloadOf(ctx, d.res), cb, reinterpret_cast<uintptr_t>(record[1])};
+    return {static_cast<uint8_t *>(ctx) + d.res->at, cb, reinterpret_cast<uintptr_t>(record[1])};
 }
 
 }  // namespace wifiap::msg
+
+// The four body callbacks of every row, named after its table and message.
+#define WIFIAP_BODY_CALLBACKS(D, table, s)                                                       \
+    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_freeBody_##table##_##s(uint32_t t, void *x) {    \
+        wifiap::msg::freeBody(D, t, x);                                                          \
+    }                                                                                            \
+    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_serializeBody_##table##_##s(                 \
+        uint32_t t, void *x, uint8_t **b, uint32_t *n) {                                         \
+        return wifiap::msg::serializeBody(D, t, x, b, n);                                        \
+    }                                                                                            \
+    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_unserializeBody_##table##_##s(               \
+        uint32_t t, const uint8_t *b, void **x, uint32_t *n) {                                   \
+        return wifiap::msg::unserializeBody(D, t, b, x, n);                                      \
+    }                                                                                            \
+    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_logBody_##table##_##s(void *, void *, void *,    \
+                                                                      char **text) {             \
+        wifiap::msg::logBody(D, text);                                                           \
+    }
+#define WIFIAP_CMD_CALLBACKS(N, s, U, ...) \
+    WIFIAP_BODY_CALLBACKS(wifiap::msg::kCmds[INTFWIFIAP_CMD_##U], msgCmd, s)
+#define WIFIAP_NTFY_CALLBACKS(N, s, U, ...) \
+    WIFIAP_BODY_CALLBACKS(wifiap::msg::kNtfys[INTFWIFIAP_NTFY_##U], msgNtfy, s)
+
+extern "C" {
+WIFIAP_MESSAGES(WIFIAP_CMD_CALLBACKS, WIFIAP_NTFY_CALLBACKS)
+}

@@ -1,33 +1,36 @@
-// The exchange engine: every command and notification is a descriptor, and
-// these functions do all that the messages have in common. Only the typed
-// adaptors (send arguments, method and callback calls) are written per message.
+// The exchange engine: every command and notification is a descriptor made
+// from its row of the message list, and these functions do all that the
+// messages have in common. Only the typed ends (send arguments, the method's
+// and the callback's calls) are written per message.
 #pragma once
 
 #include <initializer_list>
 
 #include "codec.h"
+#include "records.h"
 #include "internal.h"
+#include "messages.h"
 
 namespace wifiap::msg {
 
 struct Desc {
-    const char *sfx;        // callback suffix: "configure", "wpsStatus"
-    const char *typedSfx;   // sendReq/recvReq suffix: "configure", "ntfyWpsStatus"
-    uint32_t index;         // row in its table
+    const char *name;      // the row's name: "Configure"
+    const char *sfx;       // callback suffix: "configure", "wpsStatus"
+    const char *typedSfx;  // sendReq/recvReq suffix: "configure", "ntfyWpsStatus"
+    uint32_t index;        // row in its table
     uint32_t magic;
     const char *magicName;
     uint16_t version;       // body version, compared in its low 16 bits
     bool ntfy;              // a notification: one body type, hold word tested first
-    bool twoWay;            // a command with a response
-    const codec::Ops *req;  // payload of the request (notification); null: header only
-    const codec::Ops *res;  // payload of the response; null: none or header only
+    const codec::Ops *req;  // payload of the request or notification
+    const codec::Ops *res;  // payload of the response; null: the message has none
+
+    bool twoWay() const { return res != nullptr; }
 };
 
-using codec::CtxHead;
-
-inline void *payloadOf(void *ctx, const codec::Ops *ops) {
-    return static_cast<uint8_t *>(ctx) + (ops ? ops->at : 0);
-}
+// The rows of the two tables, in index order.
+extern const Desc kCmds[INTFWIFIAP_CMD_COUNT];
+extern const Desc kNtfys[INTFWIFIAP_NTFY_COUNT];
 
 // What the sender passed for the payload: a record's address, or one address
 // per bare field. Read only once the early tests have passed.
@@ -65,23 +68,14 @@ struct Answer {
 };
 Answer recvRes(const Desc &d, ismMsg_t msg, void *ctx);
 
-}  // namespace wifiap::msg
+// A method or callback as the framework carries it, and back to its type.
+template <typename F>
+void *fn(F f) {
+    return reinterpret_cast<void *>(f);
+}
+template <typename F>
+F as(void *f) {
+    return reinterpret_cast<F>(f);
+}
 
-// The four body callbacks of a message's table row, named after its table
-// (msgCmd, msgNtfy) and the message.
-#define WIFIAP_BODY_CALLBACKS(D, table, s)                                                       \
-    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_freeBody_##table##_##s(uint32_t t, void *x) {    \
-        wifiap::msg::freeBody(D, t, x);                                                          \
-    }                                                                                            \
-    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_serializeBody_##table##_##s(                 \
-        uint32_t t, void *x, uint8_t **b, uint32_t *n) {                                         \
-        return wifiap::msg::serializeBody(D, t, x, b, n);                                        \
-    }                                                                                            \
-    INTFWIFIAP_API uint32_t intfWifiAp_cbEvtMsgMngt_unserializeBody_##table##_##s(               \
-        uint32_t t, const uint8_t *b, void **x, uint32_t *n) {                                   \
-        return wifiap::msg::unserializeBody(D, t, b, x, n);                                      \
-    }                                                                                            \
-    INTFWIFIAP_API void intfWifiAp_cbEvtMsgMngt_logBody_##table##_##s(void *, void *, void *,    \
-                                                                      char **text) {             \
-        wifiap::msg::logBody(D, text);                                                           \
-    }
+}  // namespace wifiap::msg

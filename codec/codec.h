@@ -102,6 +102,8 @@ struct EncStatus {
     uint32_t encStatus;
 };
 extern const Ops kCreateReq, kCreateRes, kBridgeAndIps, kIps, kSsidText, kResult, kEncStatus;
+// No payload: a context of magic and hold word, a body of header elements.
+extern const Ops kNone;
 
 // The two header elements of every body: tag 0 the magic, tag 1 the version.
 // Read with the same rules; a failure at tag 0 is followed by one

@@ -16,7 +16,7 @@
 
 namespace wifiap::codec {
 
-enum class Kind : uint8_t { U8, S8, U16, S16, U32, U64, Text, Nested, List };
+enum class Kind : uint8_t { U8, S8, S16, U32, U64, Text, Nested, List };
 
 struct Desc;
 
@@ -40,9 +40,11 @@ struct Desc {
 template <class T>
 constexpr Field intField(const char *name, uint32_t off) {
     static_assert(std::is_integral_v<T> && sizeof(T) <= 8);
+    // The records hold no unsigned 16-bit field, so the engine has no path for one.
+    static_assert(sizeof(T) != 2 || std::is_signed_v<T>);
     constexpr bool s = std::is_signed_v<T>;
     constexpr Kind k = sizeof(T) == 1   ? (s ? Kind::S8 : Kind::U8)
-                       : sizeof(T) == 2 ? (s ? Kind::S16 : Kind::U16)
+                       : sizeof(T) == 2 ? Kind::S16
                        : sizeof(T) == 4 ? Kind::U32
                                         : Kind::U64;
     return Field{name, k, off};
@@ -74,17 +76,12 @@ consteval Desc makeDesc(const char *name, const Field (&fields)[N], uint32_t fir
 constexpr bool isScalar(Kind k) { return k <= Kind::U32; }
 constexpr bool hasElement(Kind k) { return k != Kind::Nested && k != Kind::List; }
 
-// Encoded size of a record whose size does not depend on its contents, else -1.
+// Encoded size of a record of 32-bit or narrower words alone, the only records
+// whose size does not depend on their contents; -1 for any other.
 constexpr int64_t fixedSize(const Desc &d) {
-    int64_t sum = 0;
-    for (uint32_t i = 0; i < d.count; ++i) {
-        const Field &f = d.fields[i];
-        if (isScalar(f.kind)) sum += kScalarSize;
-        else if (f.kind == Kind::U64) sum += kWideSize;
-        else if (f.kind == Kind::Nested && fixedSize(*f.sub) >= 0) sum += fixedSize(*f.sub);
-        else return -1;
-    }
-    return sum;
+    for (uint32_t i = 0; i < d.count; ++i)
+        if (!isScalar(d.fields[i].kind)) return -1;
+    return int64_t(d.count) * kScalarSize;
 }
 
 // Where a read stands: the cursor and the bytes left before the end. A caller
@@ -352,9 +349,7 @@ private:
     }
 
     static constexpr size_t width(Kind k) {
-        return k == Kind::U8 || k == Kind::S8 ? 1 : k == Kind::U16 || k == Kind::S16 ? 2
-                                                : k == Kind::U32                     ? 4
-                                                                                     : 8;
+        return k == Kind::U8 || k == Kind::S8 ? 1 : k == Kind::S16 ? 2 : k == Kind::U32 ? 4 : 8;
     }
 
     template <Kind K>
@@ -362,9 +357,7 @@ private:
         if constexpr (K == Kind::U8) return *src;
         else if constexpr (K == Kind::S8) return uint32_t(int32_t(int8_t(*src)));
         else {
-            std::conditional_t<K == Kind::U32, uint32_t,
-                               std::conditional_t<K == Kind::S16, int16_t, uint16_t>>
-                v;
+            std::conditional_t<K == Kind::U32, uint32_t, int16_t> v;
             memcpy(&v, src, sizeof v);
             return uint32_t(int32_t(v));
         }
@@ -374,7 +367,7 @@ private:
     static void storeNarrowed(uint8_t *dst, uint32_t v) {
         if constexpr (K == Kind::U8 || K == Kind::S8) {
             *dst = uint8_t(v);
-        } else if constexpr (K == Kind::U16 || K == Kind::S16) {
+        } else if constexpr (K == Kind::S16) {
             uint16_t w = uint16_t(v);
             memcpy(dst, &w, sizeof w);
         } else {

@@ -12,5 +12,6 @@ constinit const Ops kSsidText = bareOps<SsidText, &kSsidTextDesc>();
 constinit const Ops kResult = bareOps<Result, &kResultDesc>();
 constinit const Ops kEncStatus = bareOps<EncStatus, &kEncStatusDesc>();
 constinit const Ops kHeader = bareOps<Header, &kHeaderDesc>();
+constinit const Ops kNone = bareOps<CtxHead, &kNoneDesc>();
 
 }  // namespace wifiap::codec

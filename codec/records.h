@@ -1,60 +1,68 @@
-// The field tables of every record and bare payload, in field (tag) order.
-// A table is the single source of what a record looks like on the wire.
+// The field tables of every record and bare payload, each in one block: its
+// fields in tag order, with their names, then its descriptor. A table is the
+// single source of what a record looks like on the wire and of what its
+// fields are called wherever they are printed.
 #pragma once
 
 #include "engine.h"
 
 namespace wifiap::codec {
 
-namespace fields {
-using namespace ::wifiap::codec;
+inline constexpr Field kWpsInfoInFields[] = {
+    WF_INT(::wpsInfoIn, value),
+};
+inline constexpr Desc kWpsInfoInDesc = makeDesc("wpsInfoIn", kWpsInfoInFields);
 
-inline constexpr Field wpsInfoIn[] = {WF_INT(::wpsInfoIn, value)};
-inline constexpr Field wpsInfoOut[] = {WF_INT(::wpsInfoOut, value)};
-inline constexpr Field conf[] = {WF_INT(::conf, value1), WF_INT(::conf, value2)};
-inline constexpr Field rateStats[] = {WF_INT(::rateStats, value1), WF_INT(::rateStats, value2)};
+inline constexpr Field kWpsInfoOutFields[] = {
+    WF_INT(::wpsInfoOut, value),
+};
+inline constexpr Desc kWpsInfoOutDesc = makeDesc("wpsInfoOut", kWpsInfoOutFields);
 
-inline constexpr Field assocDevInfo[] = {
+inline constexpr Field kConfFields[] = {
+    WF_INT(::conf, value1),
+    WF_INT(::conf, value2),
+};
+inline constexpr Desc kConfDesc = makeDesc("conf", kConfFields);
+
+inline constexpr Field kRateStatsFields[] = {
+    WF_INT(::rateStats, value1),
+    WF_INT(::rateStats, value2),
+};
+inline constexpr Desc kRateStatsDesc = makeDesc("rateStats", kRateStatsFields);
+
+inline constexpr Field kAssocDevInfoFields[] = {
     WF_TEXT(::assocDevInfo, macAddress),
     WF_INT(::assocDevInfo, value),
     WF_TEXT(::assocDevInfo, text),
 };
-}  // namespace fields
+inline constexpr Desc kAssocDevInfoDesc = makeDesc("assocDevInfo", kAssocDevInfoFields);
 
-inline constexpr Desc kWpsInfoInDesc = makeDesc("wpsInfoIn", fields::wpsInfoIn);
-inline constexpr Desc kWpsInfoOutDesc = makeDesc("wpsInfoOut", fields::wpsInfoOut);
-inline constexpr Desc kConfDesc = makeDesc("conf", fields::conf);
-inline constexpr Desc kRateStatsDesc = makeDesc("rateStats", fields::rateStats);
-inline constexpr Desc kAssocDevInfoDesc = makeDesc("assocDevInfo", fields::assocDevInfo);
-
-namespace fields {
-inline constexpr Field assocDevList[] = {
+inline constexpr Field kAssocDevListFields[] = {
     WF_INT(::assocDevList, assocDevNum),
     WF_LIST(::assocDevList, assocDevs, assocDevNum, kAssocDevInfoDesc),
     WF_TEXT(::assocDevList, text1),
     WF_INT(::assocDevList, value),
     WF_TEXT(::assocDevList, text2),
 };
-inline constexpr Field probeRequest[] = {
+inline constexpr Desc kAssocDevListDesc = makeDesc("assocDevList", kAssocDevListFields);
+
+inline constexpr Field kProbeRequestFields[] = {
     WF_TEXT(::probeRequest, macAddress),
     WF_TEXT(::probeRequest, text),
     WF_INT(::probeRequest, value),
 };
-inline constexpr Field perRateStats[] = {
+inline constexpr Desc kProbeRequestDesc = makeDesc("probeRequest", kProbeRequestFields);
+
+inline constexpr Field kPerRateStatsFields[] = {
     WF_INT(::perRateStats, value1),
     WF_INT(::perRateStats, rateStatsNum),
     WF_INT(::perRateStats, value2),
     WF_INT(::perRateStats, value3),
     WF_LIST(::perRateStats, rates, rateStatsNum, kRateStatsDesc),
 };
-}  // namespace fields
+inline constexpr Desc kPerRateStatsDesc = makeDesc("perRateStats", kPerRateStatsFields);
 
-inline constexpr Desc kAssocDevListDesc = makeDesc("assocDevList", fields::assocDevList);
-inline constexpr Desc kProbeRequestDesc = makeDesc("probeRequest", fields::probeRequest);
-inline constexpr Desc kPerRateStatsDesc = makeDesc("perRateStats", fields::perRateStats);
-
-namespace fields {
-inline constexpr Field assocDevStats[] = {
+inline constexpr Field kAssocDevStatsFields[] = {
     WF_INT(::assocDevStats, value1),
     WF_INT(::assocDevStats, value2),
     WF_INT(::assocDevStats, value3),
@@ -76,11 +84,15 @@ inline constexpr Field assocDevStats[] = {
     WF_INT(::assocDevStats, value16),
     WF_NESTED(::assocDevStats, perRate, kPerRateStatsDesc),
 };
-inline constexpr Field wpsStatusStruct[] = {
+inline constexpr Desc kAssocDevStatsDesc = makeDesc("assocDevStats", kAssocDevStatsFields);
+
+inline constexpr Field kWpsStatusStructFields[] = {
     WF_INT(::wpsStatusStruct, value),
     WF_TEXT(::wpsStatusStruct, macAddress),
 };
-inline constexpr Field accountingParams[] = {
+inline constexpr Desc kWpsStatusStructDesc = makeDesc("wpsStatusStruct", kWpsStatusStructFields);
+
+inline constexpr Field kAccountingParamsFields[] = {
     WF_INT(::accountingParams, value1),
     WF_INT(::accountingParams, value2),
     WF_TEXT(::accountingParams, macAddress),
@@ -89,22 +101,16 @@ inline constexpr Field accountingParams[] = {
     WF_TEXT(::accountingParams, text3),
     WF_TEXT(::accountingParams, text4),
 };
-inline constexpr Field accountingResult[] = {
+inline constexpr Desc kAccountingParamsDesc = makeDesc("accountingParams", kAccountingParamsFields);
+
+inline constexpr Field kAccountingResultFields[] = {
     WF_INT(::accountingResult, value1),
     WF_TEXT(::accountingResult, text),
     WF_INT(::accountingResult, value2),
 };
-}  // namespace fields
+inline constexpr Desc kAccountingResultDesc = makeDesc("accountingResult", kAccountingResultFields);
 
-inline constexpr Desc kAssocDevStatsDesc = makeDesc("assocDevStats", fields::assocDevStats);
-inline constexpr Desc kWpsStatusStructDesc = makeDesc("wpsStatusStruct", fields::wpsStatusStruct);
-inline constexpr Desc kAccountingParamsDesc =
-    makeDesc("accountingParams", fields::accountingParams);
-inline constexpr Desc kAccountingResultDesc =
-    makeDesc("accountingResult", fields::accountingResult);
-
-namespace fields {
-inline constexpr Field assocDevStatus[] = {
+inline constexpr Field kAssocDevStatusFields[] = {
     WF_TEXT(::assocDevStatus, macAddress),
     WF_INT(::assocDevStatus, value1),
     WF_INT(::assocDevStatus, value2),
@@ -127,53 +133,67 @@ inline constexpr Field assocDevStatus[] = {
     WF_TEXT(::assocDevStatus, text5),
     WF_NESTED(::assocDevStatus, devStats, kAssocDevStatsDesc),
 };
-}  // namespace fields
+inline constexpr Desc kAssocDevStatusDesc = makeDesc("assocDevStatus", kAssocDevStatusFields);
 
-inline constexpr Desc kAssocDevStatusDesc = makeDesc("assocDevStatus", fields::assocDevStatus);
-
-namespace fields {
-inline constexpr Field assocDevInfoFull[] = {
+inline constexpr Field kAssocDevInfoFullFields[] = {
     WF_NESTED(::assocDevInfoFull, devInfo, kAssocDevInfoDesc),
     WF_NESTED(::assocDevInfoFull, devStatus, kAssocDevStatusDesc),
 };
-}  // namespace fields
+inline constexpr Desc kAssocDevInfoFullDesc = makeDesc("assocDevInfoFull", kAssocDevInfoFullFields);
 
-inline constexpr Desc kAssocDevInfoFullDesc =
-    makeDesc("assocDevInfoFull", fields::assocDevInfoFull);
-
-namespace fields {
-inline constexpr Field assocDevStatList[] = {
+inline constexpr Field kAssocDevStatListFields[] = {
     WF_INT(::assocDevStatList, assocDevNum),
     WF_TEXT(::assocDevStatList, text),
     WF_LIST(::assocDevStatList, assocDevs, assocDevNum, kAssocDevInfoFullDesc),
 };
+inline constexpr Desc kAssocDevStatListDesc = makeDesc("assocDevStatList", kAssocDevStatListFields);
 
-// Bare payloads: their fields are numbered from 3 like a record's.
-inline constexpr Field createReq[] = {WF_TEXT(CreateReq, text1), WF_TEXT(CreateReq, text2)};
-inline constexpr Field createRes[] = {
+// Bare payloads: their fields are numbered from 3 like a record's, and lie in
+// place in their message contexts (codec.h).
+inline constexpr Field kCreateReqFields[] = {
+    WF_TEXT(CreateReq, text1),
+    WF_TEXT(CreateReq, text2),
+};
+inline constexpr Desc kCreateReqDesc = makeDesc("", kCreateReqFields);
+
+inline constexpr Field kCreateResFields[] = {
     WF_TEXT(CreateRes, text1),
     WF_TEXT(CreateRes, text2),
     WF_INT(CreateRes, result),
 };
-inline constexpr Field bridgeAndIps[] = {WF_TEXT(BridgeAndIps, bridge), WF_TEXT(BridgeAndIps, ips)};
-inline constexpr Field ips[] = {WF_TEXT(Ips, ips)};
-inline constexpr Field ssidText[] = {WF_TEXT(SsidText, text)};
-inline constexpr Field result[] = {WF_INT(Result, result)};
-inline constexpr Field encStatus[] = {WF_INT(EncStatus, encStatus)};
-inline constexpr Field header[] = {WF_INT(Header, magic), WF_INT(Header, version)};
-}  // namespace fields
+inline constexpr Desc kCreateResDesc = makeDesc("", kCreateResFields);
 
-inline constexpr Desc kAssocDevStatListDesc =
-    makeDesc("assocDevStatList", fields::assocDevStatList);
+inline constexpr Field kBridgeAndIpsFields[] = {
+    WF_TEXT(BridgeAndIps, bridge),
+    WF_TEXT(BridgeAndIps, ips),
+};
+inline constexpr Desc kBridgeAndIpsDesc = makeDesc("", kBridgeAndIpsFields);
 
-inline constexpr Desc kCreateReqDesc = makeDesc("", fields::createReq);
-inline constexpr Desc kCreateResDesc = makeDesc("", fields::createRes);
-inline constexpr Desc kBridgeAndIpsDesc = makeDesc("", fields::bridgeAndIps);
-inline constexpr Desc kIpsDesc = makeDesc("", fields::ips);
-inline constexpr Desc kSsidTextDesc = makeDesc("", fields::ssidText);
-inline constexpr Desc kResultDesc = makeDesc("", fields::result);
-inline constexpr Desc kEncStatusDesc = makeDesc("", fields::encStatus);
+inline constexpr Field kIpsFields[] = {
+    WF_TEXT(Ips, ips),
+};
+inline constexpr Desc kIpsDesc = makeDesc("", kIpsFields);
+
+inline constexpr Field kSsidTextFields[] = {
+    WF_TEXT(SsidText, text),
+};
+inline constexpr Desc kSsidTextDesc = makeDesc("", kSsidTextFields);
+
+inline constexpr Field kResultFields[] = {
+    WF_INT(Result, result),
+};
+inline constexpr Desc kResultDesc = makeDesc("", kResultFields);
+
+inline constexpr Field kEncStatusFields[] = {
+    WF_INT(EncStatus, encStatus),
+};
+inline constexpr Desc kEncStatusDesc = makeDesc("", kEncStatusFields);
+
+// A body of header elements alone.
+inline constexpr Desc kNoneDesc = {"", nullptr, 0, 3};
+
 // The body header: tag 0 the magic, tag 1 the version.
-inline constexpr Desc kHeaderDesc = makeDesc("", fields::header, 0);
+inline constexpr Field kHeaderFields[] = {WF_INT(Header, magic), WF_INT(Header, version)};
+inline constexpr Desc kHeaderDesc = makeDesc("", kHeaderFields, 0);
 
 }  // namespace wifiap::codec

@@ -17,10 +17,10 @@
 
 namespace {
 
-constexpr uint16_t kNoNum = 0xFFFF;
+constexpr uint16_t kNoNum = INTFWIFIAP_NUM_NONE;
 constexpr uint32_t kRequestBody = 0;
 constexpr uint32_t kResponseBody = 1;
-constexpr uint32_t kHandBack = 20;
+constexpr uint32_t kHandBack = ISM_STATUS_NO_HANDLER;
 constexpr uint32_t kMaxRows = 4096;  // keeps a bad count from exhausting memory
 
 struct Table {
@@ -30,20 +30,22 @@ struct Table {
     // Put back or dropped: no new traffic, but contexts still end through it.
     bool live = true;
 
-    uintptr_t word(uint32_t row, uint32_t field) const { return block[3 + 6 * row + field]; }
-    const char *name() const { return reinterpret_cast<const char *>(block[0]); }
-    const char *rowName(uint32_t row) const { return reinterpret_cast<const char *>(word(row, 1)); }
+    uintptr_t word(uint32_t row, uint32_t field) const {
+        return block[ISM_BLOCK_ROWS + ISM_ROW_WORDS * row + field];
+    }
+    const char *name() const { return reinterpret_cast<const char *>(block[ISM_BLOCK_NAME]); }
+    const char *rowName(uint32_t row) const { return reinterpret_cast<const char *>(word(row, ISM_ROW_NAME)); }
     intfWifiAp_freeBody_t freeBody(uint32_t row) const {
-        return reinterpret_cast<intfWifiAp_freeBody_t>(word(row, 2));
+        return reinterpret_cast<intfWifiAp_freeBody_t>(word(row, ISM_ROW_FREE));
     }
     intfWifiAp_serializeBody_t serialize(uint32_t row) const {
-        return reinterpret_cast<intfWifiAp_serializeBody_t>(word(row, 3));
+        return reinterpret_cast<intfWifiAp_serializeBody_t>(word(row, ISM_ROW_SERIALIZE));
     }
     intfWifiAp_unserializeBody_t unserialize(uint32_t row) const {
-        return reinterpret_cast<intfWifiAp_unserializeBody_t>(word(row, 4));
+        return reinterpret_cast<intfWifiAp_unserializeBody_t>(word(row, ISM_ROW_UNSERIALIZE));
     }
     intfWifiAp_logBody_t logBody(uint32_t row) const {
-        return reinterpret_cast<intfWifiAp_logBody_t>(word(row, 5));
+        return reinterpret_cast<intfWifiAp_logBody_t>(word(row, ISM_ROW_LOG));
     }
     void release(uint32_t row, uint32_t bodyType, void *ctx) const {
         if (intfWifiAp_freeBody_t f = freeBody(row)) f(bodyType, ctx);
@@ -359,8 +361,8 @@ uint16_t ismCore_getBase_msgMngt(const char *tableName, uintptr_t **block, uint3
     auto t = std::make_unique<Table>();
     t->num = w.nextNum++;
     t->count = count;
-    t->block = std::make_unique<uintptr_t[]>(3 + 6 * size_t{count});
-    t->block[2] = t->num;
+    t->block = std::make_unique<uintptr_t[]>(ISM_BLOCK_WORDS(size_t{count}));
+    t->block[ISM_BLOCK_UNREG + 1] = t->num;  // the framework's own word
     *block = t->block.get();
     w.tables.push_back(std::move(t));
     return w.tables.back()->num;
@@ -570,7 +572,7 @@ int32_t hs_dropTable(uint16_t num) {
     Table *t = liveTable(num);
     if (!t) return 1;
     t->live = false;
-    if (auto unreg = reinterpret_cast<intfWifiAp_unreg_t>(t->block[1])) unreg(num);
+    if (auto unreg = reinterpret_cast<intfWifiAp_unreg_t>(t->block[ISM_BLOCK_UNREG])) unreg(num);
     return 0;
 }
 

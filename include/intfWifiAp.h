@@ -48,6 +48,11 @@ typedef void *ismMsg_t;
 #define INTFWIFIAP_NUM_NONE 0xFFFFu
 #define INTFWIFIAP_MAGIC_FREED 0xDEADBEEFu
 
+/* Lifecycle results besides 0 and the framework's own codes: a table was
+ * refused, or the call does not fit the state. */
+#define INTFWIFIAP_ERR_TABLE 1
+#define INTFWIFIAP_ERR_STATE 3
+
 /* Table selector of the registration functions. */
 #define INTFWIFIAP_REG_ALL 0u
 #define INTFWIFIAP_REG_CMD 1u
@@ -67,9 +72,6 @@ typedef void *ismMsg_t;
 /* Body types. */
 #define INTFWIFIAP_BODY_REQUEST 0u
 #define INTFWIFIAP_BODY_RESPONSE 1u
-
-/* Status handed back to the framework when nobody handles a message. */
-#define INTFWIFIAP_STATUS_NO_HANDLER 20u
 
 #define INTFWIFIAP_CMD_COUNT 15
 #define INTFWIFIAP_NTFY_COUNT 5

@@ -1,89 +1,118 @@
-// The five notifications: a descriptor each, and the typed ends that differ.
+// The five notifications' typed ends, a section each: the server's publishing
+// and need-update dispatch, the client's dispatch and the call of its method.
+// Everything else a notification has, its four body callbacks included, comes
+// from its row of the message list.
 #include "exchange.h"
 
-using namespace wifiap;
 using namespace wifiap::msg;
 namespace c = wifiap::codec;
 
-namespace {
-
-#define MAGIC(N) INTFWIFIAP_MAGIC_MSGNTFY_##N, "INTFWIFIAP_MAGIC_MSGNTFY_" #N
-
-constexpr Desc ntfy(const char *sfx, const char *typedSfx, uint32_t index, uint32_t magic,
-                    const char *magicName, uint16_t version, const c::Ops *payload) {
-    return Desc{sfx, typedSfx, index, magic, magicName, version, true, false, payload, nullptr};
-}
-
-const Desc kOnProbeReceived = ntfy("onProbeReceived", "ntfyOnProbeReceived", 0,
-                                   MAGIC(ONPROBERECEIVED), 0, &c::kProbeRequest);
-const Desc kAssocDevActiveListChanged =
-    ntfy("assocDevActiveListChanged", "ntfyAssocDevActiveListChanged", 1,
-         MAGIC(ASSOCDEVACTIVELISTCHANGED), 1, &c::kAssocDevList);
-const Desc kWpsStatus =
-    ntfy("wpsStatus", "ntfyWpsStatus", 2, MAGIC(WPSSTATUS), 2, &c::kWpsStatusStruct);
-const Desc kEncryptionStatus = ntfy("encryptionStatus", "ntfyEncryptionStatus", 3,
-                                    MAGIC(ENCRYPTIONSTATUS), 1, &c::kEncStatus);
-const Desc kDisassocEvent =
-    ntfy("disassocEvent", "ntfyDisassocEvent", 4, MAGIC(DISASSOCEVENT), 1, &c::kAssocDevInfo);
-
-template <typename M>
-M as(void *f) {
-    return reinterpret_cast<M>(f);
-}
-
-}  // namespace
-
-// Everything a notification has but its publishing and its client method's call.
-#define NTFY_COMMON(D, Name, name)                                                               \
-    INTFWIFIAP_API int32_t intfWifiAp_modCliNtfyUser_recvMsg_##name(                             \
-        ismUser_t u, void *v1, void *v2, void *v3, const char *bus, const char *user) {          \
-        return modCliNtfyRecvMsg(D, u, v1, v2, v3, bus, user);                                   \
-    }                                                                                            \
-    WIFIAP_BODY_CALLBACKS(D, msgNtfy, name)
-
-// A notification whose payload is a record: published and received by address.
-#define NTFY_RECORD(D, Name, name, R)                                                            \
-    NTFY_COMMON(D, Name, name)                                                                   \
-    INTFWIFIAP_API void intfWifiAp_sendReq_ntfy##Name(ismUser_t u, const char *bus,              \
-                                                      const char *user, const R *rec) {          \
-        sendNtfy(D, u, bus, user, {rec});                                                        \
-    }                                                                                            \
-    INTFWIFIAP_API void intfWifiAp_recvReq_ntfy##Name(ismMsg_t msg, void *ctx, void *m,         \
-                                                      uintptr_t ref) {                           \
-        if (const void *p = recvReq(D, msg, ctx, m))                                             \
-            as<intfWifiAp_ntfyMthd_##R##_t>(m)(msg, ref, static_cast<const R *>(p));             \
-    }
-
-#define NEED_UPDATE(D, Name)                                                                     \
-    INTFWIFIAP_API int32_t intfWifiAp_modSrv_needUpdate_ntfy##Name(ismUser_t u, void *v1,        \
-                                                                   void *v2, void *v3) {         \
-        return needUpdate(D, u, v1, v2, v3);                                                     \
-    }
-
 extern "C" {
 
-NTFY_RECORD(kOnProbeReceived, OnProbeReceived, onProbeReceived, probeRequest)
-NTFY_RECORD(kAssocDevActiveListChanged, AssocDevActiveListChanged, assocDevActiveListChanged,
-            assocDevList)
-NTFY_RECORD(kWpsStatus, WpsStatus, wpsStatus, wpsStatusStruct)
-NTFY_RECORD(kDisassocEvent, DisassocEvent, disassocEvent, assocDevInfo)
-NTFY_COMMON(kEncryptionStatus, EncryptionStatus, encryptionStatus)
+// ---- OnProbeReceived: probeRequest
 
-NEED_UPDATE(kOnProbeReceived, OnProbeReceived)
-NEED_UPDATE(kAssocDevActiveListChanged, AssocDevActiveListChanged)
-NEED_UPDATE(kWpsStatus, WpsStatus)
-NEED_UPDATE(kEncryptionStatus, EncryptionStatus)
+INTFWIFIAP_API void intfWifiAp_sendReq_ntfyOnProbeReceived(ismUser_t u, const char *bus,
+                                                           const char *user,
+                                                           const probeRequest *ntfy) {
+    sendNtfy(kNtfys[INTFWIFIAP_NTFY_ONPROBERECEIVED], u, bus, user, {ntfy});
+}
+INTFWIFIAP_API int32_t intfWifiAp_modSrv_needUpdate_ntfyOnProbeReceived(ismUser_t u, void *v1,
+                                                                        void *v2, void *v3) {
+    return needUpdate(kNtfys[INTFWIFIAP_NTFY_ONPROBERECEIVED], u, v1, v2, v3);
+}
+INTFWIFIAP_API int32_t intfWifiAp_modCliNtfyUser_recvMsg_onProbeReceived(
+    ismUser_t u, void *v1, void *v2, void *v3, const char *bus, const char *user) {
+    return modCliNtfyRecvMsg(kNtfys[INTFWIFIAP_NTFY_ONPROBERECEIVED], u, v1, v2, v3, bus, user);
+}
+INTFWIFIAP_API void intfWifiAp_recvReq_ntfyOnProbeReceived(ismMsg_t msg, void *ctx, void *m,
+                                                           uintptr_t ref) {
+    if (auto *p = recvReq(kNtfys[INTFWIFIAP_NTFY_ONPROBERECEIVED], msg, ctx, m))
+        as<intfWifiAp_ntfyMthd_probeRequest_t>(m)(msg, ref, static_cast<const probeRequest *>(p));
+}
 
-// EncryptionStatus carries a bare word instead of a record.
+// ---- AssocDevActiveListChanged: assocDevList
+
+INTFWIFIAP_API void intfWifiAp_sendReq_ntfyAssocDevActiveListChanged(ismUser_t u,
+                                                                     const char *bus,
+                                                                     const char *user,
+                                                                     const assocDevList *ntfy) {
+    sendNtfy(kNtfys[INTFWIFIAP_NTFY_ASSOCDEVACTIVELISTCHANGED], u, bus, user, {ntfy});
+}
+INTFWIFIAP_API int32_t intfWifiAp_modSrv_needUpdate_ntfyAssocDevActiveListChanged(ismUser_t u,
+                                                                                  void *v1,
+                                                                                  void *v2,
+                                                                                  void *v3) {
+    return needUpdate(kNtfys[INTFWIFIAP_NTFY_ASSOCDEVACTIVELISTCHANGED], u, v1, v2, v3);
+}
+INTFWIFIAP_API int32_t intfWifiAp_modCliNtfyUser_recvMsg_assocDevActiveListChanged(
+    ismUser_t u, void *v1, void *v2, void *v3, const char *bus, const char *user) {
+    return modCliNtfyRecvMsg(kNtfys[INTFWIFIAP_NTFY_ASSOCDEVACTIVELISTCHANGED], u, v1, v2, v3, bus,
+                             user);
+}
+INTFWIFIAP_API void intfWifiAp_recvReq_ntfyAssocDevActiveListChanged(ismMsg_t msg, void *ctx,
+                                                                     void *m, uintptr_t ref) {
+    if (auto *p = recvReq(kNtfys[INTFWIFIAP_NTFY_ASSOCDEVACTIVELISTCHANGED], msg, ctx, m))
+        as<intfWifiAp_ntfyMthd_assocDevList_t>(m)(msg, ref, static_cast<const assocDevList *>(p));
+}
+
+// ---- WpsStatus: wpsStatusStruct
+
+INTFWIFIAP_API void intfWifiAp_sendReq_ntfyWpsStatus(ismUser_t u, const char *bus,
+                                                     const char *user,
+                                                     const wpsStatusStruct *ntfy) {
+    sendNtfy(kNtfys[INTFWIFIAP_NTFY_WPSSTATUS], u, bus, user, {ntfy});
+}
+INTFWIFIAP_API int32_t intfWifiAp_modSrv_needUpdate_ntfyWpsStatus(ismUser_t u, void *v1,
+                                                                  void *v2, void *v3) {
+    return needUpdate(kNtfys[INTFWIFIAP_NTFY_WPSSTATUS], u, v1, v2, v3);
+}
+INTFWIFIAP_API int32_t intfWifiAp_modCliNtfyUser_recvMsg_wpsStatus(
+    ismUser_t u, void *v1, void *v2, void *v3, const char *bus, const char *user) {
+    return modCliNtfyRecvMsg(kNtfys[INTFWIFIAP_NTFY_WPSSTATUS], u, v1, v2, v3, bus, user);
+}
+INTFWIFIAP_API void intfWifiAp_recvReq_ntfyWpsStatus(ismMsg_t msg, void *ctx, void *m,
+                                                     uintptr_t ref) {
+    if (auto *p = recvReq(kNtfys[INTFWIFIAP_NTFY_WPSSTATUS], msg, ctx, m))
+        as<intfWifiAp_ntfyMthd_wpsStatusStruct_t>(m)(msg, ref,
+                                                     static_cast<const wpsStatusStruct *>(p));
+}
+
+// ---- EncryptionStatus: a bare word, by value
+
 INTFWIFIAP_API void intfWifiAp_sendReq_ntfyEncryptionStatus(ismUser_t u, const char *bus,
                                                             const char *user, uint32_t encStatus) {
-    sendNtfy(kEncryptionStatus, u, bus, user, {&encStatus});
+    sendNtfy(kNtfys[INTFWIFIAP_NTFY_ENCRYPTIONSTATUS], u, bus, user, {&encStatus});
+}
+INTFWIFIAP_API int32_t intfWifiAp_modSrv_needUpdate_ntfyEncryptionStatus(ismUser_t u, void *v1,
+                                                                         void *v2, void *v3) {
+    return needUpdate(kNtfys[INTFWIFIAP_NTFY_ENCRYPTIONSTATUS], u, v1, v2, v3);
+}
+INTFWIFIAP_API int32_t intfWifiAp_modCliNtfyUser_recvMsg_encryptionStatus(
+    ismUser_t u, void *v1, void *v2, void *v3, const char *bus, const char *user) {
+    return modCliNtfyRecvMsg(kNtfys[INTFWIFIAP_NTFY_ENCRYPTIONSTATUS], u, v1, v2, v3, bus, user);
 }
 INTFWIFIAP_API void intfWifiAp_recvReq_ntfyEncryptionStatus(ismMsg_t msg, void *ctx, void *m,
                                                             uintptr_t ref) {
-    if (const void *p = recvReq(kEncryptionStatus, msg, ctx, m))
+    if (auto *p = recvReq(kNtfys[INTFWIFIAP_NTFY_ENCRYPTIONSTATUS], msg, ctx, m))
         as<intfWifiAp_ntfyMthd_encStatus_t>(m)(msg, ref,
                                                static_cast<const c::EncStatus *>(p)->encStatus);
+}
+
+// ---- DisassocEvent: assocDevInfo (no need-update)
+
+INTFWIFIAP_API void intfWifiAp_sendReq_ntfyDisassocEvent(ismUser_t u, const char *bus,
+                                                         const char *user,
+                                                         const assocDevInfo *ntfy) {
+    sendNtfy(kNtfys[INTFWIFIAP_NTFY_DISASSOCEVENT], u, bus, user, {ntfy});
+}
+INTFWIFIAP_API int32_t intfWifiAp_modCliNtfyUser_recvMsg_disassocEvent(
+    ismUser_t u, void *v1, void *v2, void *v3, const char *bus, const char *user) {
+    return modCliNtfyRecvMsg(kNtfys[INTFWIFIAP_NTFY_DISASSOCEVENT], u, v1, v2, v3, bus, user);
+}
+INTFWIFIAP_API void intfWifiAp_recvReq_ntfyDisassocEvent(ismMsg_t msg, void *ctx, void *m,
+                                                         uintptr_t ref) {
+    if (auto *p = recvReq(kNtfys[INTFWIFIAP_NTFY_DISASSOCEVENT], msg, ctx, m))
+        as<intfWifiAp_ntfyMthd_assocDevInfo_t>(m)(msg, ref, static_cast<const assocDevInfo *>(p));
 }
 
 }  // extern "C"

@@ -8,6 +8,9 @@
 
 #include <algorithm>
 
+#include <strings.h>
+
+#include "messages.h"
 #include "wire.h"
 
 namespace wifiap::tools {
@@ -37,11 +40,13 @@ void quoted(std::string &out, const uint8_t *p, size_t n) {
     out += '"';
 }
 
-const Names *namesOf(const c::Desc *d) {
-    for (const Names &n : allNames())
-        if (n.desc == d) return &n;
-    return nullptr;
-}
+#define WIFIAP_CMD_ROW(N, s, U, version, Req, Res)                                    \
+    {#N, false, INTFWIFIAP_CMD_##U, INTFWIFIAP_MAGIC_MSGCMD_##U, version, &c::k##Req##Desc, \
+     c::k##Res##Desc.count ? &c::k##Res##Desc : nullptr},
+#define WIFIAP_NTFY_ROW(N, s, U, version, Payload, update)                                 \
+    {#N,     true, INTFWIFIAP_NTFY_##U, INTFWIFIAP_MAGIC_MSGNTFY_##U, version, &c::k##Payload##Desc, \
+     nullptr},
+constexpr Message kMessages[] = {WIFIAP_MESSAGES(WIFIAP_CMD_ROW, WIFIAP_NTFY_ROW)};
 
 // One body being walked. Printing stops beyond a list's shown items, the
 // walk does not: later fields still have to be found.
@@ -110,7 +115,6 @@ struct Walker {
             switch (f.kind) {
             case Kind::U8: value = uint8_t(w); line(depth, "%2" PRIu32 " %s = %u\n", tag, name, unsigned(value)); break;
             case Kind::S8: line(depth, "%2" PRIu32 " %s = %d\n", tag, name, int(int8_t(w))); break;
-            case Kind::U16: value = uint16_t(w); line(depth, "%2" PRIu32 " %s = %u\n", tag, name, unsigned(value)); break;
             case Kind::S16: line(depth, "%2" PRIu32 " %s = %d\n", tag, name, int(int16_t(w))); break;
             case Kind::U64: line(depth, "%2" PRIu32 " %s = %" PRIu64 "\n", tag, name, value); break;
             default:
@@ -124,18 +128,16 @@ struct Walker {
     }
 
     // `values` (one per field) receives the integers read; null: kept here.
-    bool record(int depth, const Names &names, uint64_t *values = nullptr) {
-        const c::Desc &d = *names.desc;
+    bool record(int depth, const c::Desc &d, uint64_t *values = nullptr) {
         uint64_t own[32] = {};
         if (!values) values = own;
         for (uint32_t i = 0; i < d.count; ++i) {
             const c::Field &f = d.fields[i];
             const uint32_t tag = d.firstTag + i;
-            const char *name = names.names[i];
+            const char *name = f.name;
             if (f.kind == Kind::Nested) {
-                const Names *sub = namesOf(f.sub);
-                line(depth, "   %s: %s\n", name, sub->title);
-                if (!record(depth + 1, *sub)) return false;
+                line(depth, "   %s: %s\n", name, f.sub->name);
+                if (!record(depth + 1, *f.sub)) return false;
             } else if (f.kind == Kind::List) {
                 if (!list(depth, d, f, name, values)) return false;
             } else if (!field(depth, f, tag, name, values[i])) {
@@ -151,13 +153,12 @@ struct Walker {
         for (uint32_t i = 0; i < d.count; ++i)
             if (d.fields[i].off == f.countOff) count = values[i];
         const uint64_t items = std::min<uint64_t>(count, f.cap);
-        const Names *sub = namesOf(f.sub);
         const uint64_t shown =
             style.maxItems ? std::min<uint64_t>(items, style.maxItems) : items;
         for (uint64_t i = 0; i < items; ++i) {
             if (i == shown) ++quiet;
-            line(depth, "   %s[%" PRIu64 "]: %s\n", name, i, sub->title);
-            if (!record(depth + 1, *sub)) return false;
+            line(depth, "   %s[%" PRIu64 "]: %s\n", name, i, f.sub->name);
+            if (!record(depth + 1, *f.sub)) return false;
         }
         if (shown < items) {
             --quiet;
@@ -169,27 +170,46 @@ struct Walker {
 
 }  // namespace
 
+std::span<const Message> messages() { return kMessages; }
+
+const char *tableName(bool isNtfy) { return isNtfy ? "IntfWifiApNtfy" : "IntfWifiApCmd"; }
+const char *sideName(const Message &m, uint32_t bodyType) {
+    return m.ntfy ? "notification" : bodyType ? "response" : "request";
+}
+
+const Message *findMessage(std::string_view name) {
+    for (const Message &m : kMessages)
+        if (name.size() == strlen(m.name) && strncasecmp(m.name, name.data(), name.size()) == 0)
+            return &m;
+    return nullptr;
+}
+
+const Message *findMessage(std::string_view table, uint32_t index) {
+    for (const Message &m : kMessages)
+        if (table == tableName(m.ntfy) && m.index == index) return &m;
+    return nullptr;
+}
+
 std::vector<Candidate> candidates(const uint8_t *body, size_t length) {
     std::vector<Candidate> v;
     uint64_t h[2];
     std::string ignored;
     Walker w{ignored, body, length, Style{}};
-    if (!w.record(0, allNames().back(), h)) return v;
+    if (!w.record(0, c::kHeaderDesc, h)) return v;
     const uint32_t magic = uint32_t(h[0]), version = uint32_t(h[1]) & 0xFFFF;
     for (const Message &m : messages()) {
         if (m.magic != magic || m.version != version) continue;
         v.push_back({&m, INTFWIFIAP_BODY_REQUEST});
-        if (m.twoWay) v.push_back({&m, INTFWIFIAP_BODY_RESPONSE});
+        if (m.res) v.push_back({&m, INTFWIFIAP_BODY_RESPONSE});
     }
     return v;
 }
 
 bool decode(std::string &out, const Message &m, uint32_t bodyType, const uint8_t *body,
             size_t length, const Style &style) {
-    static const Names &header = allNames().back();
     Walker w{out, body, length, style};
     uint64_t h[2];
-    if (!w.record(0, header, h)) return false;
+    if (!w.record(0, c::kHeaderDesc, h)) return false;
     const uint32_t magic = uint32_t(h[0]), version = uint32_t(h[1]);
     if (magic != m.magic) {
         w.line(0, "!! magic 0x%08" PRIX32 " is not %s's 0x%08" PRIX32 "\n", magic, m.name, m.magic);
@@ -199,9 +219,9 @@ bool decode(std::string &out, const Message &m, uint32_t bodyType, const uint8_t
         w.line(0, "!! version %" PRIu32 " is not %s's %u\n", version, m.name, m.version);
         return false;
     }
-    const Names *payload = bodyType ? m.res : m.req;
-    if (payload && *payload->title) w.line(0, "   %s:\n", payload->title);
-    if (payload && !w.record(*payload->title ? 1 : 0, *payload)) return false;
+    const c::Desc *payload = bodyType ? m.res : m.req;
+    if (payload && *payload->name) w.line(0, "   %s:\n", payload->name);
+    if (payload && !w.record(*payload->name ? 1 : 0, *payload)) return false;
     if (w.left()) w.line(0, "   (%zu more bytes after the payload)\n", w.left());
     return true;
 }

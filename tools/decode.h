@@ -1,6 +1,6 @@
 // Bodies as a firmware engineer wants to read them: every element with the
 // name of the field it carries. The walk follows the library's own record
-// tables; the names live here, out of the shipped library.
+// tables and message list, names included.
 #pragma once
 
 #include <stddef.h>
@@ -15,15 +15,6 @@
 
 namespace wifiap::tools {
 
-// The names of one record's (or bare payload's) fields: names[i] is field i of desc.
-struct Names {
-    const codec::Desc *desc;
-    const char *title;  // what the payload is called in the output; "" for bare fields
-    std::span<const char *const> names;
-};
-// Every record, bare payload and the body header.
-std::span<const Names> allNames();
-
 // A message of one of the two tables, as its bodies are shaped.
 struct Message {
     const char *name;  // the row's name: "Configure"
@@ -31,8 +22,8 @@ struct Message {
     uint32_t index;
     uint32_t magic;
     uint16_t version;
-    bool twoWay;
-    const Names *req, *res;  // payloads; null: the header alone
+    const codec::Desc *req;  // payload of the request or notification
+    const codec::Desc *res;  // payload of the response; null: the message has none
 };
 std::span<const Message> messages();
 const char *tableName(bool ntfy);

@@ -78,7 +78,7 @@ bool showAny(std::string &out, const uint8_t *body, size_t n, const Opts &o) {
     std::vector<Candidate> cs = candidates(body, n);
     if (o.msg) {
         cs.clear();
-        for (uint32_t t = 0; t <= (o.msg->twoWay ? 1u : 0u); ++t)
+        for (uint32_t t = 0; t <= (o.msg->res ? 1u : 0u); ++t)
             if (o.bodyType < 0 || uint32_t(o.bodyType) == t) cs.push_back({o.msg, t});
         if (cs.empty()) {
             out += std::string(o.msg->name) + " has no response\n";

@@ -18,6 +18,7 @@
 #include "decode.h"
 #include "hostsim.h"
 #include "intfWifiAp.h"
+#include "messages.h"
 #include "wps_pin.h"
 
 namespace {
@@ -26,8 +27,8 @@ using namespace wifiap::tools;
 
 // ---------------------------------------------------------------- the library
 
-// The functions called by name; the per-message dispatch functions are found
-// from the row suffixes below.
+// The functions the scenario calls by name; the per-message dispatch
+// functions are found from the rows of the message list.
 #define DEMO_FUNCTIONS(X)                                                                    \
     X(intfWifiap_initialize) X(intfWifiAp_regUser_msgMngt) X(intfWifiAp_getNtfyIntfNum)      \
     X(intfWifiAp_sendReq_configure) X(intfWifiAp_sendRes_configure)                          \
@@ -58,17 +59,20 @@ struct Api {
     SrvRecv needUpdate[INTFWIFIAP_NTFY_COUNT];  // DisassocEvent has none
 } api;
 
-const char *const kCmdSfx[INTFWIFIAP_CMD_COUNT] = {
-    "configure", "setBridgeAndIps",  "setIps",    "create",  "ssidinfo",
-    "stop",      "startWPS",         "startPhysicalWPS",     "toogleWps",
-    "stopWps",   "generatePinCodeWPS", "toogleWifi", "sendAccountingRequest",
-    "getAssocDevStats", "forceApplyMacFilterChange"};
-const char *const kNtfySfx[INTFWIFIAP_NTFY_COUNT][2] = {
-    {"OnProbeReceived", "onProbeReceived"},
-    {"AssocDevActiveListChanged", "assocDevActiveListChanged"},
-    {"WpsStatus", "wpsStatus"},
-    {"EncryptionStatus", "encryptionStatus"},
-    {"DisassocEvent", "disassocEvent"}};
+// Where each row's dispatch function goes once found; DisassocEvent has no
+// need-update function and leaves its slot empty.
+struct Lookup {
+    const char *name;
+    void **slot;
+};
+#define WIFIAP_CMD_LOOKUP(N, s, U, ...)                                                   \
+    {"intfWifiAp_modSrv_recvMsg_" #s, reinterpret_cast<void **>(&api.modSrv[INTFWIFIAP_CMD_##U])},
+#define WIFIAP_NTFY_LOOKUP(N, s, U, version, Payload, update)                             \
+    {"intfWifiAp_modCliNtfyUser_recvMsg_" #s,                                             \
+     reinterpret_cast<void **>(&api.modCli[INTFWIFIAP_NTFY_##U])},                        \
+    {update ? "intfWifiAp_modSrv_needUpdate_ntfy" #N : nullptr,                           \
+     reinterpret_cast<void **>(&api.needUpdate[INTFWIFIAP_NTFY_##U])},
+const Lookup kDispatch[] = {WIFIAP_MESSAGES(WIFIAP_CMD_LOOKUP, WIFIAP_NTFY_LOOKUP)};
 
 // Loads the library and fills `api`; an error text, or empty.
 std::string load(const std::string &given, void **handle) {
@@ -89,15 +93,8 @@ std::string load(const std::string &given, void **handle) {
         DEMO_FUNCTIONS(ENTRY)
 #undef ENTRY
     };
-    for (int i = 0; i < INTFWIFIAP_CMD_COUNT; ++i)
-        table.push_back({std::string("intfWifiAp_modSrv_recvMsg_") + kCmdSfx[i], &api.modSrv[i]});
-    for (int i = 0; i < INTFWIFIAP_NTFY_COUNT; ++i) {
-        table.push_back({std::string("intfWifiAp_modCliNtfyUser_recvMsg_") + kNtfySfx[i][1],
-                         &api.modCli[i]});
-        if (i != INTFWIFIAP_NTFY_DISASSOCEVENT)
-            table.push_back({std::string("intfWifiAp_modSrv_needUpdate_ntfy") + kNtfySfx[i][0],
-                             &api.needUpdate[i]});
-    }
+    for (const Lookup &l : kDispatch)
+        if (l.name) table.push_back({l.name, l.slot});
     for (auto &[name, slot] : table) {
         void *sym = dlsym(*handle, name.c_str());
         if (!sym) return "missing " + name + "\n";

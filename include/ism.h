@@ -1,7 +1,8 @@
 /*
- * The service-messaging framework and event loop, as the host provides them.
- * libIntfWifiap declares and calls these functions but never defines them:
- * the host process (or the stand-in in this directory) does.
+ * The service-messaging framework and event loop, as the host provides them:
+ * libIntfWifiap's contract with its host. The library declares and calls
+ * these functions but never defines them; the host process (or the project's
+ * stand-in, hostsim) does.
  */
 #ifndef ISM_H
 #define ISM_H
@@ -18,6 +19,28 @@ typedef void *ismUser_t; /* a registered framework user */
 typedef void *ismCore_t; /* the core handle of a user */
 typedef void *ismMsg_t;  /* one message in flight */
 #endif
+
+/* The block that ismCore_getBase_msgMngt hands out for a table of `count`
+ * rows, ISM_BLOCK_WORDS(count) pointer-sized words: the table's name, its
+ * unregister callback, a word of the framework's own, then ISM_ROW_WORDS
+ * words per row from ISM_BLOCK_ROWS on. */
+enum { ISM_BLOCK_NAME = 0, ISM_BLOCK_UNREG = 1, ISM_BLOCK_ROWS = 3, ISM_ROW_WORDS = 6 };
+enum {
+    ISM_ROW_RESERVED,
+    ISM_ROW_NAME,
+    ISM_ROW_FREE,
+    ISM_ROW_SERIALIZE,
+    ISM_ROW_UNSERIALIZE,
+    ISM_ROW_LOG
+};
+#define ISM_BLOCK_WORDS(count) (ISM_BLOCK_ROWS + ISM_ROW_WORDS * (count))
+
+/* Values the library passes: "any" for a message's sub-index and the
+ * registration's, the flags of every send, and the status of a context handed
+ * back because nobody handles it. */
+#define ISM_ANY 0xFFFFu
+#define ISM_SEND_FLAGS 18u
+#define ISM_STATUS_NO_HANDLER 20u
 
 /* A response handler receives the framework's message record, whose first two
  * pointer-sized words are the client callback and the client reference. */
