@@ -41,14 +41,16 @@ static void fill(const Desc &d, uint8_t *rec, std::mt19937 &rng, uint32_t maxIte
         uint8_t *at = rec + f.off;
         if (f.kind == Kind::Text) {
             // Lengths at the edges of the padding and of the capacity are the interesting ones.
-            uint32_t n = rng() % 3 == 0 ? f.cap - 1 - rng() % 4 : rng() % f.cap;
+            uint32_t n = maxItems == kFull ? f.cap - 1
+                         : rng() % 3 == 0   ? f.cap - 1 - rng() % 4
+                                            : rng() % f.cap;
             for (uint32_t k = 0; k < n; ++k) at[k] = uint8_t('a' + rng() % 26);
         } else if (f.kind == Kind::Nested) {
             fill(*f.sub, at, rng, maxItems);
         } else if (f.kind == Kind::List) {
-            uint32_t pick = rng() % 4;
+            uint32_t pick = maxItems == kFull ? 1 : rng() % 4;
             uint32_t n = pick == 0 ? f.cap + 1 + rng() % 1000 : pick == 1 ? f.cap : rng() % (f.cap + 1);
-            if (n > maxItems) n = maxItems;
+            if (n > maxItems && maxItems != kFull) n = maxItems;
             memcpy(rec + f.countOff, &n, sizeof n);
             for (uint32_t k = 0; k < n && k < f.cap; ++k)
                 fill(*f.sub, at + k * f.stride, rng, maxItems);

@@ -73,7 +73,9 @@ struct RecordApi {
 const std::vector<RecordApi> &records();
 const RecordApi &record(const std::string &name);
 
-// Random valid contents in a zero-filled record (counts sometimes above capacity).
+// Random valid contents in a zero-filled record (counts sometimes above
+// capacity), lists of at most maxItems; kFull: every list and text full.
+inline constexpr uint32_t kFull = 0;
 void randomFill(const RecordApi &r, void *rec, std::mt19937 &rng, uint32_t maxItems = UINT32_MAX);
 
 // Expected log lines: "{+N}" stands for the pointer base + N, "{B}" for `other`.

@@ -1,4 +1,3 @@
-#include <string.h>
 #include <syslog.h>
 
 #include "frame_support.h"
@@ -14,20 +13,44 @@ uintptr_t w(const void *p) { return reinterpret_cast<uintptr_t>(p); }
 template <typename F>
 uintptr_t fnw(F f) { return reinterpret_cast<uintptr_t>(f); }
 
+// Block of a table: name, unreg callback, word 2 untouched, six words a row.
+void expectBlock(const std::string &table, const intfWifiAp_tableHdr &hdr,
+                 const intfWifiAp_msgEntry *rows, const std::vector<std::string> &names) {
+    const Words &b = fake::block(table);
+    ASSERT_EQ(b.size(), ISM_BLOCK_WORDS(names.size()));
+    EXPECT_EQ(b[ISM_BLOCK_NAME], w(hdr.name));
+    EXPECT_STREQ(hdr.name, table.c_str());
+    EXPECT_EQ(b[ISM_BLOCK_UNREG], fnw(hdr.unreg));
+    EXPECT_EQ(b[ISM_BLOCK_UNREG + 1], fake::kUntouched);
+    for (size_t i = 0; i < names.size(); ++i) {
+        const intfWifiAp_msgEntry &e = rows[i];
+        EXPECT_EQ(e.index, i);
+        EXPECT_STREQ(e.name, names[i].c_str());
+        const auto row = b.begin() + ISM_BLOCK_ROWS + ISM_ROW_WORDS * i;
+        EXPECT_EQ(Words(row, row + ISM_ROW_WORDS),
+                  (Words{0, w(e.name), fnw(e.freeBody), fnw(e.serializeBody),
+                         fnw(e.unserializeBody), fnw(e.logBody)}))
+            << table << " row " << i;
+    }
+}
+
+// Both tables are handed over, every row in its block, then given back.
 TEST_F(Frame, AddHandsOverBothTablesThenDeleteGivesThemBack) {
     EXPECT_EQ(intfWifiAp_getCmdIntfNum(), INTFWIFIAP_NUM_NONE);
     EXPECT_EQ(intfWifiAp_getNtfyIntfNum(), INTFWIFIAP_NUM_NONE);
 
     ASSERT_EQ(intfWifiap_initialize(), 0);
-    ASSERT_EQ(fake::calls().size(), 3u);
-    const fake::Call &cmd = fake::calls()[0], &ntfy = fake::calls()[1], &loop = fake::calls()[2];
-    EXPECT_EQ(cmd.fn, "ismCore_getBase_msgMngt");
-    EXPECT_STREQ(reinterpret_cast<const char *>(cmd.args[0]), "IntfWifiApCmd");
-    EXPECT_EQ(cmd.args[2], 15u);
-    EXPECT_STREQ(reinterpret_cast<const char *>(ntfy.args[0]), "IntfWifiApNtfy");
-    EXPECT_EQ(ntfy.args[2], 5u);
-    EXPECT_EQ(loop.fn, "evlp_addEvtBase");
-    EXPECT_EQ(loop.args, (Words{fnw(intfWifiAp_cbEvtBase), w(&intfWifiAp_base)}));
+    EXPECT_EQ(fake::names(), (std::vector<std::string>{"ismCore_getBase_msgMngt",
+                                                       "ismCore_getBase_msgMngt", "evlp_addEvtBase"}));
+    EXPECT_EQ(fake::calls()[2].args, (Words{fnw(intfWifiAp_cbEvtBase), w(&intfWifiAp_base)}));
+    expectBlock("IntfWifiApCmd", intfWifiAp_base.cmdHdr, intfWifiAp_base.cmd,
+                {"Configure", "SetBridgeAndIps", "SetIps", "Create", "Ssidinfo", "Stop",
+                 "StartWPS", "StartPhysicalWPS", "ToogleWps", "StopWps", "GeneratePinCodeWPS",
+                 "ToogleWifi", "SendAccountingRequest", "GetAssocDevStats",
+                 "ForceApplyMacFilterChange"});
+    expectBlock("IntfWifiApNtfy", intfWifiAp_base.ntfyHdr, intfWifiAp_base.ntfy,
+                {"OnProbeReceived", "AssocDevActiveListChanged", "WpsStatus", "EncryptionStatus",
+                 "DisassocEvent"});
     EXPECT_EQ(intfWifiAp_getCmdIntfNum(), fake::kCmdNum);
     EXPECT_EQ(intfWifiAp_getNtfyIntfNum(), fake::kNtfyNum);
     EXPECT_EQ(intfWifiAp_base.state, INTFWIFIAP_STATE_BASE_INIT);
@@ -59,9 +82,9 @@ struct Refusal {
     uint8_t flags, state;
 };
 
-void refuseCmd() { fake::answer("ismCore_getBase_msgMngt", {0xFFFF}); }
+void refuseCmd() { fake::answer("ismCore_getBase_msgMngt", {INTFWIFIAP_NUM_NONE}); }
 void nullCmdBlock() { fake::noBlock(); }
-void refuseNtfy() { fake::answer("ismCore_getBase_msgMngt", {fake::kCmdNum, 0xFFFF}); }
+void refuseNtfy() { fake::answer("ismCore_getBase_msgMngt", {fake::kCmdNum, INTFWIFIAP_NUM_NONE}); }
 void refuseLoop() { fake::answer("evlp_addEvtBase", {-7}); }
 void none() {}
 void addedFirst() {
@@ -87,14 +110,15 @@ const std::string kStateInit =
 constexpr uint8_t kBoth = INTFWIFIAP_FLAGS_BASE_REG_CMD | INTFWIFIAP_FLAGS_BASE_REG_NTFY;
 constexpr uint8_t kWait = INTFWIFIAP_STATE_BASE_WAIT_INIT, kInit = INTFWIFIAP_STATE_BASE_INIT;
 constexpr uint16_t kNone = INTFWIFIAP_NUM_NONE;
+constexpr int32_t kTable = INTFWIFIAP_ERR_TABLE, kState = INTFWIFIAP_ERR_STATE;
 
 const Refusal kRefusals[] = {
-    {"cmdTableRefused", refuseCmd, intfWifiAp_addBase, 1, {kGet},
+    {"cmdTableRefused", refuseCmd, intfWifiAp_addBase, kTable, {kGet},
      {"intfWifiAp_addBase: Add command message management failed\n"}, kNone, kNone, 0, kWait},
-    {"cmdBlockMissing", nullCmdBlock, intfWifiAp_addBase, 1, {kGet},
+    {"cmdBlockMissing", nullCmdBlock, intfWifiAp_addBase, kTable, {kGet},
      {"intfWifiAp_addBase: Add command message management failed\n"}, fake::kCmdNum, kNone, 0,
      kWait},
-    {"ntfyTableRefused", refuseNtfy, intfWifiAp_addBase, 1, {kGet, kGet},
+    {"ntfyTableRefused", refuseNtfy, intfWifiAp_addBase, kTable, {kGet, kGet},
      {"intfWifiAp_addBase: Add notification message management failed\n"}, fake::kCmdNum, kNone,
      INTFWIFIAP_FLAGS_BASE_REG_CMD, kWait},
     {"loopRefused", refuseLoop, intfWifiAp_addBase, -7, {kGet, kGet, kLoop},
@@ -104,9 +128,9 @@ const Refusal kRefusals[] = {
      {"intfWifiAp_addBase: Add event base failed(-7)\n",
       "intfWifiap_initialize: Add Base failed(-7)\n"},
      fake::kCmdNum, fake::kNtfyNum, kBoth, kWait},
-    {"addTwice", addedFirst, intfWifiAp_addBase, 3, {}, {"intfWifiAp_addBase: " + kStateWait},
+    {"addTwice", addedFirst, intfWifiAp_addBase, kState, {}, {"intfWifiAp_addBase: " + kStateWait},
      fake::kCmdNum, fake::kNtfyNum, kBoth, kInit},
-    {"deleteBeforeAdd", none, intfWifiAp_delBase, 3, {}, {"intfWifiAp_delBase: " + kStateInit},
+    {"deleteBeforeAdd", none, intfWifiAp_delBase, kState, {}, {"intfWifiAp_delBase: " + kStateInit},
      kNone, kNone, 0, kWait},
     {"cmdGiveBackRefused", refusePutCmd, intfWifiAp_delBase, 9, {kPut},
      {"intfWifiAp_delBase: Put command message management(33) failed(9)\n"}, fake::kCmdNum,
@@ -184,47 +208,6 @@ TEST_F(Frame, UnregisterCallbacksClearOnlyTheirFlag) {
     EXPECT_EQ(intfWifiAp_delBase(), 0);
     EXPECT_EQ(fake::names(), (std::vector<std::string>{kPut})) << "a dropped table is not put";
     EXPECT_EQ(fake::calls()[0].args[0], fake::kCmdNum);
-}
-
-TEST_F(Frame, ModDebugStoresTheLevelOnly) {
-    intfWifiAp_desc before;
-    memcpy(&before, &intfWifiAp_base, sizeof before);
-    intfWifiAp_modDebug(7);
-    EXPECT_EQ(intfWifiAp_base.debug, 7u);
-    before.debug = 7;
-    EXPECT_EQ(memcmp(&before, &intfWifiAp_base, sizeof before), 0);
-}
-
-// Block of a table: name, unreg callback, word 2 untouched, six words a row.
-void expectBlock(const std::string &table, const intfWifiAp_tableHdr &hdr,
-                 const intfWifiAp_msgEntry *rows, const std::vector<std::string> &names) {
-    const Words &b = fake::block(table);
-    ASSERT_EQ(b.size(), 3 + 6 * names.size());
-    EXPECT_EQ(b[0], w(hdr.name));
-    EXPECT_STREQ(hdr.name, table.c_str());
-    EXPECT_EQ(b[1], fnw(hdr.unreg));
-    EXPECT_EQ(b[2], fake::kUntouched);
-    for (size_t i = 0; i < names.size(); ++i) {
-        const intfWifiAp_msgEntry &e = rows[i];
-        EXPECT_EQ(e.index, i);
-        EXPECT_STREQ(e.name, names[i].c_str());
-        EXPECT_EQ(Words(b.begin() + 3 + 6 * i, b.begin() + 9 + 6 * i),
-                  (Words{0, w(e.name), fnw(e.freeBody), fnw(e.serializeBody),
-                         fnw(e.unserializeBody), fnw(e.logBody)}))
-            << table << " row " << i;
-    }
-}
-
-TEST_F(Frame, BlocksCarryEveryRow) {
-    ASSERT_EQ(intfWifiAp_addBase(), 0);
-    expectBlock("IntfWifiApCmd", intfWifiAp_base.cmdHdr, intfWifiAp_base.cmd,
-                {"Configure", "SetBridgeAndIps", "SetIps", "Create", "Ssidinfo", "Stop",
-                 "StartWPS", "StartPhysicalWPS", "ToogleWps", "StopWps", "GeneratePinCodeWPS",
-                 "ToogleWifi", "SendAccountingRequest", "GetAssocDevStats",
-                 "ForceApplyMacFilterChange"});
-    expectBlock("IntfWifiApNtfy", intfWifiAp_base.ntfyHdr, intfWifiAp_base.ntfy,
-                {"OnProbeReceived", "AssocDevActiveListChanged", "WpsStatus", "EncryptionStatus",
-                 "DisassocEvent"});
 }
 
 using FrameDeath = Frame;

@@ -7,6 +7,7 @@
 #include "capture.h"
 #include "fake_framework.h"
 #include "intfWifiAp.h"
+#include "ism.h"
 
 class Frame : public ::testing::Test {
 protected:

@@ -41,8 +41,8 @@ TEST_P(Registration, AsksTheSelectedTablesInOrder) {
     EXPECT_EQ(intfWifiAp_unregUser_msgMngt(kUser, s.which), 0);
     std::vector<Words> expected;
     for (uint16_t n : s.nums)
-        expected.push_back({(uintptr_t)kUser, (uintptr_t)kParam, (uintptr_t)kRef, n, 0xFFFF, 0});
-    for (uint16_t n : s.nums) expected.push_back({(uintptr_t)kUser, n, 0xFFFF, 0});
+        expected.push_back({(uintptr_t)kUser, (uintptr_t)kParam, (uintptr_t)kRef, n, ISM_ANY, 0});
+    for (uint16_t n : s.nums) expected.push_back({(uintptr_t)kUser, n, ISM_ANY, 0});
     std::vector<Words> got;
     for (const fake::Call &c : fake::calls()) got.push_back(c.args);
     EXPECT_EQ(got, expected);
@@ -60,31 +60,24 @@ INSTANTIATE_TEST_SUITE_P(
                       Selection{"droppedCmd", 1, cmdDropped, {fake::kCmdNum}}),
     [](const auto &info) { return std::string(info.param.name); });
 
-TEST_F(Frame, CommandFailureStopsBeforeNotifications) {
+// A failure on the command table stops before the notification table; one on
+// the notification table keeps the command registration made.
+TEST_F(Frame, FailuresAreLoggedWithTheTablesNumber) {
     added();
-    fake::answer("ismIntf_regUser_msgMngt", {5});
+    fake::answer("ismIntf_regUser_msgMngt", {5, 0, 9});
     fake::answer("ismIntf_unregUser_msgMngt", {6});
     EXPECT_EQ(intfWifiAp_regUser_msgMngt(kUser, kParam, kRef, 0), 5);
     EXPECT_EQ(intfWifiAp_unregUser_msgMngt(kUser, 0), 6);
-    EXPECT_EQ(fake::calls().size(), 2u);
+    EXPECT_EQ(intfWifiAp_regUser_msgMngt(kUser, kParam, kRef, 0), 9);
+    EXPECT_EQ(fake::calls().size(), 4u);
+    const char *reg = "intfWifiAp_regUser_msgMngt: user(%p): regUser message management failed(%d)"
+                      " -> num(%d) ref(%p)\n";
     EXPECT_THAT(cap::texts(),
-                ElementsAre(cap::fmt("intfWifiAp_regUser_msgMngt: user(%p): regUser message "
-                                     "management failed(5) -> num(33) ref(%p)\n",
-                                     kUser, kRef),
+                ElementsAre(cap::fmt(reg, kUser, 5, fake::kCmdNum, kRef),
                             cap::fmt("intfWifiAp_unregUser_msgMngt: user(%p): unregUser message "
                                      "management failed(6) -> num(33)\n",
-                                     kUser)));
-}
-
-TEST_F(Frame, NotificationFailureKeepsTheCommandRegistration) {
-    added();
-    fake::answer("ismIntf_regUser_msgMngt", {0, 9});
-    EXPECT_EQ(intfWifiAp_regUser_msgMngt(kUser, kParam, kRef, 0), 9);
-    EXPECT_EQ(fake::calls().size(), 2u);
-    EXPECT_THAT(cap::texts(),
-                ElementsAre(cap::fmt("intfWifiAp_regUser_msgMngt: user(%p): regUser message "
-                                     "management failed(9) -> num(34) ref(%p)\n",
-                                     kUser, kRef)));
+                                     kUser),
+                            cap::fmt(reg, kUser, 9, fake::kNtfyNum, kRef)));
 }
 
 TEST_F(Frame, FindPassesTheInterfaceName) {

@@ -1,7 +1,5 @@
 #include "messages.h"
 
-#include <map>
-
 #include "codec.h"
 
 namespace mt {
@@ -56,14 +54,14 @@ const assocDevStatList *stats() {
     static auto *s = new assocDevStatList{2, "stats", {}};  // too big for a stack
     return s;
 }
+// Texts longer than their fields arrive cut to the capacity less one.
+const std::string kLong(85, 's');
 const assocDevList kDevs{2, {{"01:02:03:04:05:06", 1, "one"}, {"0a:0b:0c:0d:0e:0f", 2, "two"}},
                          "list", 3, "end"};
 
-#define CMD(s, ...) \
-    Message{#s, false, intfWifiAp_modSrv_recvMsg_##s, nullptr, nullptr, __VA_ARGS__}
-#define NTFY(s, update, ...) \
-    Message{#s, true, nullptr, intfWifiAp_modCliNtfyUser_recvMsg_##s, update, __VA_ARGS__}
-#define UPDATE(S) intfWifiAp_modSrv_needUpdate_ntfy##S
+#define CMD(s) .name = #s, .modSrv = intfWifiAp_modSrv_recvMsg_##s
+#define NTFY(s) .name = #s, .ntfy = true, .modCli = intfWifiAp_modCliNtfyUser_recvMsg_##s
+#define UPDATE(S) .needUpdate = intfWifiAp_modSrv_needUpdate_ntfy##S
 #define SEND(call) [](U u, B b, B n, [[maybe_unused]] Mode mode) -> uint32_t { return intfWifiAp_sendReq_##call; }
 #define PUBLISH(call) \
     [](U u, B b, B n, [[maybe_unused]] Mode mode) -> uint32_t { intfWifiAp_sendReq_ntfy##call; return 0; }
@@ -76,88 +74,95 @@ const assocDevList kDevs{2, {{"01:02:03:04:05:06", 1, "one"}, {"0a:0b:0c:0d:0e:0
 // Magics written out, not taken from the public header.
 std::vector<Message> build() {
     std::vector<Message> v{
-        CMD(configure, 0x20137855, 0, FN((mRec<c::kConf, conf>)),
-            SEND(configure(u, CB(cbWord), kRef, b, n, P(ptr(conf{1, 2})))), scalar(3, 1) + scalar(4, 2),
-            ANSWER(configure(msg, 7)), scalar(3, 7)),
-        CMD(setBridgeAndIps, 0x37102445, 0, FN(mText2),
-            SEND(setBridgeAndIps(u, b, n, P("br-lan"), P("192.168.1.1"))),
-            text(3, "br-lan") + text(4, "192.168.1.1")),
-        CMD(setIps, 0x37102446, 0, FN(mText), SEND(setIps(u, b, n, P("abc"))), text(3, "abc")),
-        CMD(create, 0x73913232, 1, FN(mText2),
-            SEND(create(u, CB(cbCreate), kRef, b, n, P("MySsid"), P("secret"))),
-            text(3, "MySsid") + text(4, "secret"), ANSWER(create(msg, P("ap0"), P("wlan0-1"), 9)),
-            text(3, "ap0") + text(4, "wlan0-1") + scalar(5, 9)),
-        CMD(ssidinfo, 0x38192421, 0, FN(mText), SEND(ssidinfo(u, CB(cbWord), kRef, b, n, P("guest"))),
-            text(3, "guest"), ANSWER(ssidinfo(msg, 4)), scalar(3, 4)),
-        CMD(stop, 0x38192421, 0, FN(mVoid), SEND(stop(u, CB(cbWord), kRef, b, n)), {},
-            ANSWER(stop(msg, 0x11)), scalar(3, 0x11)),
-        CMD(startWPS, 0x93251950, 0, FN((mRec<c::kWpsInfoIn, wpsInfoIn>)),
-            SEND(startWPS(u, CB((rec<c::kWpsInfoOut, wpsInfoOut>)), kRef, b, n, P(ptr(wpsInfoIn{5})))), scalar(3, 5),
-            ANSWER(startWPS(msg, P(ptr(wpsInfoOut{6})))), scalar(3, 6)),
-        CMD(startPhysicalWPS, 0x93251950, 0, FN((mRec<c::kWpsInfoIn, wpsInfoIn>)),
-            SEND(startPhysicalWPS(u, CB((rec<c::kWpsInfoOut, wpsInfoOut>)), kRef, b, n,
-                                  P(ptr(wpsInfoIn{5})))),
-            scalar(3, 5), ANSWER(startPhysicalWPS(msg, P(ptr(wpsInfoOut{6})))), scalar(3, 6)),
-        CMD(toogleWps, 0x93251942, 0, FN(mVoid), SEND(toogleWps(u, b, n)), {}),
-        CMD(stopWps, 0x22110722, 0, FN(mVoid), SEND(stopWps(u, b, n)), {}),
-        CMD(generatePinCodeWPS, 0x93251872, 0, FN(mVoid),
-            SEND(generatePinCodeWPS(u, CB(cbWord), kRef, b, n)), {},
-            ANSWER(generatePinCodeWPS(msg, 12345670)), scalar(3, 12345670)),
-        CMD(toogleWifi, 0x93251942, 0, FN(mVoid), SEND(toogleWifi(u, b, n)), {}),
-        CMD(sendAccountingRequest, 0x57102423, 0,
-            FN((mRec<c::kAccountingParams, accountingParams>)),
-            SEND(sendAccountingRequest(u, CB((rec<c::kAccountingResult, accountingResult>)), kRef,
-                                       b, n,
-                                       P(ptr(accountingParams{1, 2, "00:11:22:33:44:55", "acct",
-                                                              "radius", "user@example",
-                                                              "id-7"})))),
-            scalar(3, 1) + scalar(4, 2) + text(5, "00:11:22:33:44:55") + text(6, "acct") +
-                text(7, "radius") + text(8, "user@example") + text(9, "id-7"),
-            ANSWER(sendAccountingRequest(msg, P(ptr(accountingResult{7, "accepted", 8})))),
-            scalar(3, 7) + text(4, "accepted") + scalar(5, 8)),
-        CMD(getAssocDevStats, 0x57102427, 0, FN(mVoid),
-            SEND(getAssocDevStats(u, CB((rec<c::kAssocDevStatList, assocDevStatList>)), kRef, b, n)), {},
-            ANSWER(getAssocDevStats(msg, P(stats()))), enc(c::kAssocDevStatList, stats())),
-        CMD(forceApplyMacFilterChange, 0x57102428, 0, FN(mVoid),
-            SEND(forceApplyMacFilterChange(u, b, n)), {}),
-        NTFY(onProbeReceived, UPDATE(OnProbeReceived), 0x20179026, 0,
-             FN((rec<c::kProbeRequest, probeRequest, g_method>)),
-             PUBLISH(OnProbeReceived(u, b, n, P(ptr(probeRequest{"00:11:22:33:44:55", "ssid", 42})))),
-             text(3, "00:11:22:33:44:55") + text(4, "ssid") + scalar(5, 42)),
-        NTFY(assocDevActiveListChanged, UPDATE(AssocDevActiveListChanged), 0x13531940, 1,
-             FN((rec<c::kAssocDevList, assocDevList, g_method>)),
-             PUBLISH(AssocDevActiveListChanged(u, b, n, P(&kDevs))), enc(c::kAssocDevList, &kDevs)),
-        NTFY(wpsStatus, UPDATE(WpsStatus), 0x13531941, 2,
-             FN((rec<c::kWpsStatusStruct, wpsStatusStruct, g_method>)),
-             PUBLISH(WpsStatus(u, b, n, P(ptr(wpsStatusStruct{3, "aa:bb"})))),
-             scalar(3, 3) + text(4, "aa:bb")),
-        NTFY(encryptionStatus, UPDATE(EncryptionStatus), 0x13531942, 1, FN(nWord),
-             PUBLISH(EncryptionStatus(u, b, n, 7)), scalar(3, 7)),
-        NTFY(disassocEvent, nullptr, 0x13531943, 1,
-             FN((rec<c::kAssocDevInfo, assocDevInfo, g_method>)),
-             PUBLISH(DisassocEvent(u, b, n, P(ptr(assocDevInfo{"66:55", 255, "left"})))),
-             text(3, "66:55") + scalar(4, 255) + text(5, "left")),
+        {CMD(configure), .magic = 0x20137855, .version = 0, .method = FN((mRec<c::kConf, conf>)),
+         .sendWith = SEND(configure(u, CB(cbWord), kRef, b, n, P(ptr(conf{1, 2})))),
+         .request = scalar(3, 1) + scalar(4, 2), .nullReq = "conf",
+         .answerWith = ANSWER(configure(msg, 7)), .response = scalar(3, 7)},
+        {CMD(setBridgeAndIps), .magic = 0x37102445, .version = 0, .method = FN(mText2),
+         .sendWith = SEND(setBridgeAndIps(u, b, n, P("br-lan"), P("192.168.1.1"))),
+         .request = text(3, "br-lan") + text(4, "192.168.1.1"), .nullReq = "bridge"},
+        {CMD(setIps), .magic = 0x37102446, .version = 0, .method = FN(mText),
+         .sendWith = SEND(setIps(u, b, n, P("192.168.100.200/24"))),
+         .request = text(3, "192.168.100.200"), .nullReq = "ips"},
+        {CMD(create), .magic = 0x73913232, .version = 1, .method = FN(mText2),
+         .sendWith = SEND(create(u, CB(cbCreate), kRef, b, n, P(kLong.c_str()), P("secret"))),
+         .request = text(3, kLong.substr(0, 79)) + text(4, "secret"), .nullReq = "text1",
+         .answerWith = ANSWER(create(msg, P("ap0"), P("wlan0-1-with-a-long-name"), 9)),
+         .response = text(3, "ap0") + text(4, "wlan0-1-with-a-long") + scalar(5, 9),
+         .nullRes = "text1"},
+        {CMD(ssidinfo), .magic = 0x38192421, .version = 0, .method = FN(mText),
+         .sendWith = SEND(ssidinfo(u, CB(cbWord), kRef, b, n, P("guest"))),
+         .request = text(3, "guest"), .nullReq = "text", .answerWith = ANSWER(ssidinfo(msg, 4)),
+         .response = scalar(3, 4)},
+        {CMD(stop), .magic = 0x38192421, .version = 0, .method = FN(mVoid),
+         .sendWith = SEND(stop(u, CB(cbWord), kRef, b, n)), .request = {},
+         .answerWith = ANSWER(stop(msg, 0x11)), .response = scalar(3, 0x11)},
+        {CMD(startWPS), .magic = 0x93251950, .version = 0,
+         .method = FN((mRec<c::kWpsInfoIn, wpsInfoIn>)),
+         .sendWith = SEND(startWPS(u, CB((rec<c::kWpsInfoOut, wpsInfoOut>)), kRef, b, n,
+                                   P(ptr(wpsInfoIn{5})))),
+         .request = scalar(3, 5), .nullReq = "wpsInfoIn",
+         .answerWith = ANSWER(startWPS(msg, P(ptr(wpsInfoOut{6})))), .response = scalar(3, 6),
+         .nullRes = "wpsInfoOut"},
+        {CMD(startPhysicalWPS), .magic = 0x93251950, .version = 0,
+         .method = FN((mRec<c::kWpsInfoIn, wpsInfoIn>)),
+         .sendWith = SEND(startPhysicalWPS(u, CB((rec<c::kWpsInfoOut, wpsInfoOut>)), kRef, b, n,
+                                           P(ptr(wpsInfoIn{8})))),
+         .request = scalar(3, 8), .nullReq = "wpsInfoIn",
+         .answerWith = ANSWER(startPhysicalWPS(msg, P(ptr(wpsInfoOut{9})))),
+         .response = scalar(3, 9), .nullRes = "wpsInfoOut"},
+        {CMD(toogleWps), .magic = 0x93251942, .version = 0, .method = FN(mVoid),
+         .sendWith = SEND(toogleWps(u, b, n)), .request = {}},
+        {CMD(stopWps), .magic = 0x22110722, .version = 0, .method = FN(mVoid),
+         .sendWith = SEND(stopWps(u, b, n)), .request = {}},
+        {CMD(generatePinCodeWPS), .magic = 0x93251872, .version = 0, .method = FN(mVoid),
+         .sendWith = SEND(generatePinCodeWPS(u, CB(cbWord), kRef, b, n)), .request = {},
+         .answerWith = ANSWER(generatePinCodeWPS(msg, 12345670)), .response = scalar(3, 12345670)},
+        {CMD(toogleWifi), .magic = 0x93251942, .version = 0, .method = FN(mVoid),
+         .sendWith = SEND(toogleWifi(u, b, n)), .request = {}},
+        {CMD(sendAccountingRequest), .magic = 0x57102423, .version = 0,
+         .method = FN((mRec<c::kAccountingParams, accountingParams>)),
+         .sendWith = SEND(sendAccountingRequest(
+             u, CB((rec<c::kAccountingResult, accountingResult>)), kRef, b, n,
+             P(ptr(accountingParams{1, 2, "00:11:22:33:44:55", "acct", "radius", "user@example",
+                                    "id-7"})))),
+         .request = scalar(3, 1) + scalar(4, 2) + text(5, "00:11:22:33:44:55") + text(6, "acct") +
+                    text(7, "radius") + text(8, "user@example") + text(9, "id-7"),
+         .nullReq = "accountingParams",
+         .answerWith = ANSWER(sendAccountingRequest(msg, P(ptr(accountingResult{7, "accepted", 8})))),
+         .response = scalar(3, 7) + text(4, "accepted") + scalar(5, 8),
+         .nullRes = "accountingResult"},
+        {CMD(getAssocDevStats), .magic = 0x57102427, .version = 0, .method = FN(mVoid),
+         .sendWith = SEND(getAssocDevStats(
+             u, CB((rec<c::kAssocDevStatList, assocDevStatList>)), kRef, b, n)),
+         .request = {}, .answerWith = ANSWER(getAssocDevStats(msg, P(stats()))),
+         .response = enc(c::kAssocDevStatList, stats()), .nullRes = "assocDevStatList"},
+        {CMD(forceApplyMacFilterChange), .magic = 0x57102428, .version = 0, .method = FN(mVoid),
+         .sendWith = SEND(forceApplyMacFilterChange(u, b, n)), .request = {}},
+        {NTFY(onProbeReceived), UPDATE(OnProbeReceived), .magic = 0x20179026, .version = 0,
+         .method = FN((rec<c::kProbeRequest, probeRequest, g_method>)),
+         .sendWith = PUBLISH(OnProbeReceived(
+             u, b, n, P(ptr(probeRequest{"00:11:22:33:44:55", "ssid", 42})))),
+         .request = text(3, "00:11:22:33:44:55") + text(4, "ssid") + scalar(5, 42),
+         .nullReq = "probeRequest"},
+        {NTFY(assocDevActiveListChanged), UPDATE(AssocDevActiveListChanged), .magic = 0x13531940,
+         .version = 1, .method = FN((rec<c::kAssocDevList, assocDevList, g_method>)),
+         .sendWith = PUBLISH(AssocDevActiveListChanged(u, b, n, P(&kDevs))),
+         .request = enc(c::kAssocDevList, &kDevs), .nullReq = "assocDevList"},
+        {NTFY(wpsStatus), UPDATE(WpsStatus), .magic = 0x13531941, .version = 2,
+         .method = FN((rec<c::kWpsStatusStruct, wpsStatusStruct, g_method>)),
+         .sendWith = PUBLISH(WpsStatus(u, b, n, P(ptr(wpsStatusStruct{3, "aa:bb"})))),
+         .request = scalar(3, 3) + text(4, "aa:bb"), .nullReq = "wpsStatusStruct"},
+        {NTFY(encryptionStatus), UPDATE(EncryptionStatus), .magic = 0x13531942, .version = 1,
+         .method = FN(nWord), .sendWith = PUBLISH(EncryptionStatus(u, b, n, 7)),
+         .request = scalar(3, 7)},
+        {NTFY(disassocEvent), .magic = 0x13531943, .version = 1,
+         .method = FN((rec<c::kAssocDevInfo, assocDevInfo, g_method>)),
+         .sendWith = PUBLISH(DisassocEvent(u, b, n, P(ptr(assocDevInfo{"66:55", 255, "left"})))),
+         .request = text(3, "66:55") + scalar(4, 255) + text(5, "left"), .nullReq = "assocDevInfo"},
     };
     uint32_t rows[2] = {0, 0};
     for (Message &m : v) m.twoWay = bool(m.answerWith), m.index = rows[m.ntfy]++;
-    const std::map<std::string, std::pair<const char *, const char *>> nulls = {
-        {"configure", {"conf", ""}},
-        {"setBridgeAndIps", {"bridge", ""}},
-        {"setIps", {"ips", ""}},
-        {"create", {"text1", "text1"}},
-        {"ssidinfo", {"text", ""}},
-        {"startWPS", {"wpsInfoIn", "wpsInfoOut"}},
-        {"startPhysicalWPS", {"wpsInfoIn", "wpsInfoOut"}},
-        {"sendAccountingRequest", {"accountingParams", "accountingResult"}},
-        {"getAssocDevStats", {"", "assocDevStatList"}},
-        {"onProbeReceived", {"probeRequest", ""}},
-        {"assocDevActiveListChanged", {"assocDevList", ""}},
-        {"wpsStatus", {"wpsStatusStruct", ""}},
-        {"disassocEvent", {"assocDevInfo", ""}},
-    };
-    for (Message &m : v)
-        if (auto it = nulls.find(m.name); it != nulls.end())
-            m.nullReq = it->second.first, m.nullRes = it->second.second;
     return v;
 }
 

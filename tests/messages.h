@@ -24,24 +24,24 @@ enum Mode { kSample, kNoCallback, kNull };
 
 struct Message {
     std::string name;  // callback suffix: "configure", "wpsStatus"
-    bool ntfy;
+    bool ntfy = false;
     // Dispatch: a command's server side, a notification's client and need-update.
-    int32_t (*modSrv)(ismUser_t, void *, void *, void *);
-    int32_t (*modCli)(ismUser_t, void *, void *, void *, const char *, const char *);
-    int32_t (*needUpdate)(ismUser_t, void *, void *, void *);
+    int32_t (*modSrv)(ismUser_t, void *, void *, void *) = nullptr;
+    int32_t (*modCli)(ismUser_t, void *, void *, void *, const char *, const char *) = nullptr;
+    int32_t (*needUpdate)(ismUser_t, void *, void *, void *) = nullptr;
     uint32_t magic;
     uint16_t version;
     void *method;  // records what it receives in g_method
     // Sends the sample request (a two-way command's callback records the
     // response in g_callback) or publishes the sample notification.
     std::function<uint32_t(ismUser_t, const char *bus, const char *user, Mode)> sendWith;
-    Bytes request;                                        // its payload elements
+    Bytes request;             // its payload elements
+    std::string nullReq = "";  // the argument a null payload is refused for ("": none)
     std::function<void(ismMsg_t, Mode)> answerWith = {};  // two-way: sends the sample response
     Bytes response = {};
+    std::string nullRes = "";
     bool twoWay = false;
     uint32_t index = 0;  // row in its table
-    // The argument a null payload is refused for, on each side ("": none).
-    std::string nullReq = "", nullRes = "";
 
     uint32_t send(ismUser_t u, const char *bus, const char *user, Mode mode = kSample) const {
         return sendWith(u, bus, user, mode);

@@ -26,7 +26,7 @@ using Types = std::vector<uint32_t>;
 ismUser_t const kUser = reinterpret_cast<ismUser_t>(0x1000);
 ismMsg_t const kMsg = reinterpret_cast<ismMsg_t>(0x77);
 const char kBus[] = "bus", kDest[] = "apd";
-const uintptr_t kFlags = 18, kNoHandler = 20;
+const uintptr_t kFlags = ISM_SEND_FLAGS, kNoHandler = ISM_STATUS_NO_HANDLER;
 
 uintptr_t w(const void *p) { return reinterpret_cast<uintptr_t>(p); }
 // The context the framework's last call was handed, if any.
@@ -95,7 +95,7 @@ TEST_P(Msg, Exchange) {
         EXPECT_EQ(fake::names(), (Lines{"ismIntf_getCore_user", "ismCore_sendMsgReq_toNameUser"}));
         EXPECT_EQ((Args{a[2] != 0, a[3] != 0}), (Args{two, two})) << "handler and callback";
         EXPECT_EQ(a, (Args{w(kUser) + 1, w(ctx), a[2], a[3], two * mt::kRef, w(kBus), w(kDest),
-                           fake::kCmdNum, m().index, 0xFFFF, kFlags}));
+                           fake::kCmdNum, m().index, ISM_ANY, kFlags}));
         m().send(kUser, kBus, kDest, mt::kNoCallback);
         const Args b = fake::calls().back().args;
         EXPECT_EQ((Args{b[2], b[3]}), (Args{0, 0})) << "no callback, no handler";
@@ -174,8 +174,8 @@ TEST_P(Msg, Dispatch) {
     EXPECT_EQ(fake::calls().back().args,
               (m().ntfy ? Args{w(kUser), 1, 2, 3, magic, w(bus.c_str()), w(kDest), intf, cmdHdr,
                                ntfyHdr, m().index}
-                        : Args{w(kUser), 1, 2, 3, magic, intf, cmdHdr, ntfyHdr, m().index, 0xFFFF,
-                               0xFFFF}));
+                        : Args{w(kUser), 1, 2, 3, magic, intf, cmdHdr, ntfyHdr, m().index, ISM_ANY,
+                               ISM_ANY}));
     Lines lines{m().ntfy ? cap::fmt("intfWifiAp_modCliNtfyUser_recvMsg_%s: user(%p) bus name(",
                                     m().name.c_str(), kUser) +
                                bus + cap::fmt(") user name(%p): ModCliNtfyUser\n", (const void *)kDest)
@@ -384,34 +384,6 @@ TEST_F(Bodies, BareFieldsFollowTheHoldWord) {
             EXPECT_EQ((type ? mt::g_callback : mt::g_method).at, at + fields[0].off) << name;
         }
         m.row().freeBody(type, ctx);
-    }
-}
-
-// Texts longer than their field are cut to its capacity - 1 when sent.
-TEST_F(Bodies, LongTextsAreCut) {
-    const std::string l(200, 'a');
-    const char *t = l.c_str();
-    auto cut = [&](size_t cap) { return l.substr(0, cap - 1); };
-    const std::tuple<const char *, std::function<void()>, Bytes> cases[] = {
-        {"create", [&] { intfWifiAp_sendReq_create(kUser, nullptr, 0, kBus, kDest, t, t); },
-         text(3, cut(80)) + text(4, cut(80))},
-        {"create", [&] { intfWifiAp_sendRes_create(kMsg, t, t, 3); },
-         text(3, cut(20)) + text(4, cut(20)) + scalar(5, 3)},
-        {"setBridgeAndIps", [&] { intfWifiAp_sendReq_setBridgeAndIps(kUser, kBus, kDest, t, t); },
-         text(3, cut(80)) + text(4, cut(16))},
-        {"setIps", [&] { intfWifiAp_sendReq_setIps(kUser, kBus, kDest, t); }, text(3, cut(16))},
-        {"ssidinfo", [&] { intfWifiAp_sendReq_ssidinfo(kUser, nullptr, 0, kBus, kDest, t); },
-         text(3, cut(80))},
-    };
-    for (const auto &[name, send, payload] : cases) {
-        send();
-        const uint32_t type = fake::calls().back().fn == "ismCore_sendMsgRes";
-        uint8_t *b = nullptr;
-        uint32_t n = 0;
-        ASSERT_EQ(msg(name).row().serializeBody(type, lastCtx(), &b, &n), 0u);
-        EXPECT_EQ(Bytes(b, b + n), msg(name).header() + payload) << name;
-        free(b);
-        msg(name).row().freeBody(type, lastCtx());
     }
 }
 

@@ -1,6 +1,5 @@
-// The tools against the library: field names against its record tables, the
-// committed capture replayed through its body callbacks, the decoder's text
-// against its golden copy, and wifiap-decode's refusals.
+// The tools against the library: the committed capture replayed through its
+// body callbacks, and what wifiap-decode makes of bodies the library refuses.
 #include <fstream>
 #include <sstream>
 #include <iterator>
@@ -59,12 +58,11 @@ TEST(Capture, EveryBodyReplaysToTheSameBytes) {
     }
 }
 
-TEST(Capture, DecodesToTheGoldenText) {
+// Every body of the capture decodes, field by field, to its end.
+TEST(Capture, DecodesWhole) {
     std::string out, err;
     EXPECT_EQ(runDecode({kCapture}, {}, out, err), 0) << err;
-    EXPECT_EQ(err, "");
-    EXPECT_TRUE(out == slurp(WIFIAP_TEST_DATA "/demo.decoded"))
-        << "the decoded capture differs from tests/data/demo.decoded";
+    EXPECT_EQ(out.find("!!"), std::string::npos) << out;
 }
 
 // Bodies in hex: a header and elements.
@@ -99,8 +97,6 @@ struct Case {
 
 void PrintTo(const Case &c, std::ostream *os) { *os << c.name; }
 
-const std::string kMac18(18, 'a');
-
 class Decode : public ::testing::TestWithParam<Case> {};
 
 TEST_P(Decode, SaysWhatTheLibrarySays) {
@@ -126,29 +122,21 @@ INSTANTIATE_TEST_SUITE_P(
               "Tl(5-4) expectded(4)"}},
         Case{"TruncatedBody", kConfigureReq, (hdr(kConf, 0) + u32(3, 1) + u32(4, 2)).substr(0, 88),
              1, {"overruns the body", "code 4", "expectded(4)"}},
-        Case{"TextTooLong", {"--msg", "Ssidinfo", "--request"},
-             hdr(INTFWIFIAP_MAGIC_MSGCMD_SSIDINFO, 0) + text(3, std::string(80, 'x')), 1,
-             {"a text of 81 bytes for a field of 80", "lgChainIn(81) lgMaxChainOut(80)"}},
-        Case{"MacTooLong", {},
-             hdr(INTFWIFIAP_MAGIC_MSGNTFY_WPSSTATUS, 2) + u32(3, 1) + text(4, kMac18), 1,
-             {"WpsStatus notification", "lgChainIn(19) lgMaxChainOut(18)"}},
+        Case{"TextOverCapacity", {},
+             hdr(INTFWIFIAP_MAGIC_MSGNTFY_WPSSTATUS, 2) + u32(3, 1) + text(4, std::string(18, 'a')),
+             1, {"a text of 19 bytes for a field of 18", "lgChainIn(19) lgMaxChainOut(18)"}},
         Case{"WrongVersion", {"--msg", "Create"}, hdr(INTFWIFIAP_MAGIC_MSGCMD_CREATE, 0), 1,
              {"version 0 is not Create's 1", "code 2 (header)"}},
-        Case{"WrongHeaderTag", kConfigureReq, u32(7, kConf) + u32(1, 0), 1,
-             {"tag 0 magic expected", "code 2", "Tl(7-4) expectded(0)", "Type(1) -> Error Before"}},
         Case{"UnknownMagic", {}, hdr(0x11111111, 0) + text(3, "Hi"), 1,
              {"no message has this header", "3 (4 bytes) 1214840832 (0x48690000) or \"Hi\""}}));
 
 INSTANTIATE_TEST_SUITE_P(
     Accepted, Decode,
-    ::testing::Values(
-        Case{"SharedMagicListsEveryCandidate", {},
-             hdr(INTFWIFIAP_MAGIC_MSGCMD_STOP, 0) + text(3, "HomeNet"), 0,
-             {"fits 4 messages: Ssidinfo request, Ssidinfo response, Stop request, Stop response",
-              "text = \"HomeNet\"", "accepted"}},
-        Case{"ResponseGiven", {"--msg", "GENERATEPINCODEWPS", "--response"},
-             hdr(INTFWIFIAP_MAGIC_MSGCMD_GENERATEPINCODEWPS, 0) + u32(3, 12345670), 0,
-             {"GeneratePinCodeWPS response", "result = 12345670", "accepted by the library"}}));
+    ::testing::Values(Case{"SharedMagicListsEveryCandidate", {},
+                           hdr(INTFWIFIAP_MAGIC_MSGCMD_STOP, 0) + text(3, "HomeNet"), 0,
+                           {"fits 4 messages: Ssidinfo request, Ssidinfo response, Stop request, "
+                            "Stop response",
+                            "text = \"HomeNet\"", "accepted"}}));
 
 // A list shown in part is still walked in full: the fields after it decode.
 TEST(Decode, ListsShownInPartKeepTheFieldsAfterThem) {
@@ -191,10 +179,8 @@ const char kShape[] = "not <seconds> <table> <index> <bodyType> <hex>";
 INSTANTIATE_TEST_SUITE_P(
     Lines, CaptureLine,
     ::testing::Values(Line{"0.000764 IntfWifiApCmd 13 1 00000000000000045710", true, "", 13, 1, 10},
-                      Line{"1.500000 IntfWifiApNtfy 4 0 ", true, "", 4, 0, 0},
                       Line{"# a comment", false, ""},
                       Line{"0.1 IntfWifiApCmd 0 2 00", false, kShape},
-                      Line{"0.1x IntfWifiApCmd 0 0 00", false, kShape},
                       Line{"0.1 IntfWifiApCmd 0 0 000", false, "the body is not hex"}));
 
 TEST(WpsPin, ChecksumDigitOfKnownPins) {

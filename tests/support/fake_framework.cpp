@@ -95,7 +95,7 @@ uint16_t ismCore_getBase_msgMngt(const char *tableName, uintptr_t **block, uint3
                                       tableName, block, count);
     if (!fake::g_noBlock) {
         auto &b = fake::g_blocks[name];
-        b.assign(3 + 6 * count, fake::kUntouched);
+        b.assign(ISM_BLOCK_WORDS(count), fake::kUntouched);
         *block = b.data();
     }
     fake::g_noBlock = false;

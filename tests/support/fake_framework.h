@@ -29,7 +29,7 @@ void reset();
 void answer(const std::string &fn, std::vector<intptr_t> results);
 // ismCore_getBase_msgMngt hands back no block on its next call.
 void noBlock();
-// The block given for a table name (3 + 6 x count words, kUntouched when new).
+// The block given for a table name (ISM_BLOCK_WORDS(count), kUntouched when new).
 const std::vector<uintptr_t> &block(const std::string &tableName);
 
 }  // namespace fake
