@@ -8,25 +8,16 @@
 #include <memory>
 
 #include "intfWifiAp.h"
+#include "logline.h"
 
 namespace {
 std::vector<std::string> g_lines;
 }
 
-// The library's lines come here rather than to the system log.
+// The library's lines come here, as "name: text", rather than to the system log.
 extern "C" void __wrap_vsyslog(int, const char *fmt, va_list ap) {
-    va_list again;
-    va_copy(again, ap);
-    std::string s(size_t(vsnprintf(nullptr, 0, fmt, ap)) + 1, '\0');
-    vsnprintf(s.data(), s.size(), fmt, again);
-    va_end(again);
-    s.pop_back();
-    static const char kPrefix[] = "[INTFWIFIAP] -> ";
-    if (s.rfind(kPrefix, 0) == 0) s.erase(0, sizeof kPrefix - 1);
-    // "name(line): text" -> "name: text"; the source line helps nobody here.
-    size_t open = s.find('('), close = s.find("): ");
-    if (open != std::string::npos && close != std::string::npos && open < close)
-        s.erase(open, close + 1 - open);
+    wifiap::tools::LogLine l = wifiap::tools::splitLogLine(wifiap::tools::vformat(fmt, ap));
+    std::string s = l.prefixed ? l.name + ": " + l.text : l.text;
     while (!s.empty() && s.back() == '\n') s.pop_back();
     g_lines.push_back(std::move(s));
 }

@@ -1,5 +1,7 @@
 #include "capture.h"
 
+#include "logline.h"
+
 #include <malloc.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -34,16 +36,13 @@ bool shouldFail() {
 }
 
 void record(int prio, const std::string &s) {
-    static const char kPrefix[] = "[INTFWIFIAP] -> ";
     if (prio == LOG_EMERG) fprintf(stderr, "%s", s.c_str());  // visible to death tests
-    size_t open = s.find('(', sizeof kPrefix - 1);
-    size_t close = s.find("): ", open == std::string::npos ? 0 : open);
-    if (s.rfind(kPrefix, 0) != 0 || open == std::string::npos || close == std::string::npos) {
+    const wifiap::tools::LogLine l = wifiap::tools::splitLogLine(s);
+    if (!l.prefixed) {
         ADD_FAILURE() << "log line without the prefix: " << s;
         return;
     }
-    g_lines.push_back({prio, s.substr(sizeof kPrefix - 1, open - (sizeof kPrefix - 1)),
-                       s.substr(close + 3)});
+    g_lines.push_back({prio, l.name, l.text});
 }
 }  // namespace
 
@@ -90,13 +89,7 @@ extern "C" {
 
 // Formatted whole, however long: a cut line would hide a cut in the library.
 void __wrap_vsyslog(int prio, const char *f, va_list ap) {
-    va_list again;
-    va_copy(again, ap);
-    std::string s(size_t(vsnprintf(nullptr, 0, f, ap)) + 1, '\0');
-    vsnprintf(s.data(), s.size(), f, again);
-    va_end(again);
-    s.pop_back();
-    cap::record(prio, s);
+    cap::record(prio, wifiap::tools::vformat(f, ap));
 }
 
 void *__wrap_malloc(size_t n) {
