@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds every target and runs every test:
-# x86-64 with sanitizers, x86-64 optimised, i686, and big-endian MIPS under qemu.
+# x86-64 with sanitizers, x86-64 optimised, i686, and big-endian MIPS, ARMv7
+# hard-float and ARMv5 soft-float under qemu.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
-presets=(${PRESETS:-native release i686 mips})
+presets=(${PRESETS:-native release i686 mips armhf armel})
 total=0
 for p in "${presets[@]}"; do
   echo "=== $p"
