@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
-presets=(${PRESETS:-native release i686 mips armhf armel})
+presets=(${PRESETS:-asan release i686 mips armhf armel})
 total=0
 for p in "${presets[@]}"; do
   echo "=== $p"
