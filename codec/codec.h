@@ -19,26 +19,42 @@ struct ReadLog {
     const void *pBody = nullptr;   // null: where this record's read started
 };
 
-// The five operations of a record or bare payload, and where it stands in the
-// message context that carries it.
+struct Desc;
+
+// A record or bare payload: its table, where it stands in the message context
+// that carries it, and its operations. Size, write and read are compiled for
+// the records of the station statistics list, where they pay, and walk the
+// table at run time for the others; copy, clean and the sender's arguments
+// always walk the table.
 struct Ops {
-    const char *name;  // record name as log lines spell it ("conf"); "" for bare payloads
-    uint32_t bytes;    // sizeof the record; for bare fields, of their whole context
-    uint32_t at;       // offset of the payload in its message context
-    uint32_t ctxBytes; // size of that context
-    uint32_t (*copy)(void *dst, const void *src);
-    void (*clean)(void *rec);
-    uint32_t (*size)(const void *rec);
+    const char *name;   // record name as log lines spell it ("conf"); "" for bare payloads
+    const Desc *desc;
+    uint32_t bytes;     // sizeof the record; for bare fields, of their whole context
+    uint32_t at;        // offset of the payload in its message context
+    uint32_t ctxBytes;  // size of that context
+    uint32_t (*sizeFn)(const Desc &d, const void *rec);
+    uint8_t *(*writeFn)(const Desc &d, const void *rec, uint8_t *cursor);
+    uint32_t (*readFn)(const Desc &d, void *rec, const uint8_t **cursor, size_t left,
+                       const ReadLog &log);
+
+    uint32_t size(const void *rec) const { return sizeFn(*desc, rec); }
     // Writes exactly size(rec) bytes at *cursor (into zero-filled memory) and moves it on.
-    uint32_t (*write)(const void *rec, uint8_t **cursor);
+    uint32_t write(const void *rec, uint8_t **cursor) const {
+        *cursor = writeFn(*desc, rec, *cursor);
+        return INTFWIFIAP_STATUS_OK;
+    }
     // Reads at *cursor, never past `left` bytes from there. On failure logs the
     // record's lines (see ReadLog), leaves the cursor where the rules say, returns 4.
-    uint32_t (*read)(void *rec, const uint8_t **cursor, size_t left, const ReadLog &log);
+    uint32_t read(void *rec, const uint8_t **cursor, size_t left, const ReadLog &log) const {
+        return readFn(*desc, rec, cursor, left, log);
+    }
+    uint32_t copy(void *dst, const void *src) const;
+    void clean(void *rec) const;
     // The sender's arguments: a record's address, or one address per bare
     // field (a text, or a 32-bit word). `missing` names the first null one;
     // `fill` copies them into the payload, with copy's status.
-    const char *(*missing)(const void *const *args);
-    uint32_t (*fill)(void *payload, const void *const *args);
+    const char *missing(const void *const *args) const;
+    uint32_t fill(void *payload, const void *const *args) const;
 };
 
 // The fifteen records.

@@ -31,11 +31,19 @@ uint64_t peek(const uint8_t *p, size_t left, size_t at, size_t n) {
     return v;
 }
 
+uint32_t items(const uint8_t *rec, const Field &f) {
+    uint32_t n;
+    memcpy(&n, rec + f.countOff, sizeof n);
+    return n < f.cap ? n : f.cap;
+}
+
+size_t width(Kind k) { return k == Kind::U8 || k == Kind::S8 ? 1 : k == Kind::S16 ? 2 : 4; }
+
 }  // namespace
 
-void failElement(const Desc &d, uint32_t idx, const uint8_t *p, size_t left,
-                 const uint8_t *start, const ReadLog *log) {
-    Where w = where(d, start, log);
+bool failElement(const ReadOf &r, uint32_t idx, const uint8_t *p, size_t left) {
+    const Desc &d = r.d;
+    Where w = where(d, r.start, r.log);
     unsigned expected = d.firstTag + idx;
     if (d.fields[idx].kind == Kind::U64)
         WLOG_ERR(w.who, TXT_TL64, w.pBody, (unsigned long long)peek(p, left, 0, 8),
@@ -44,30 +52,114 @@ void failElement(const Desc &d, uint32_t idx, const uint8_t *p, size_t left,
         WLOG_ERR(w.who, TXT_TL, w.pBody, unsigned(peek(p, left, 0, 4)),
                  unsigned(peek(p, left, 4, 4)), expected);
     errorBefore(d, idx, w);
+    return false;
 }
 
-void failText(const Desc &d, uint32_t idx, const uint8_t *p, const uint8_t *start,
-              const ReadLog *log) {
+bool failText(const ReadOf &r, uint32_t idx, const uint8_t *p) {
     // The text is what precedes the element's first NUL, or the whole value
     // when it holds none; it would have fit in neither more than the field
     // nor more than the element.
-    const size_t cap = d.fields[idx].cap, len = get32(p + 4);
+    const size_t cap = r.d.fields[idx].cap, len = get32(p + 4);
     const size_t chainIn = strnlen(reinterpret_cast<const char *>(p + 8), len) + 1;
-    Where w = where(d, start, log);
+    Where w = where(r.d, r.start, r.log);
     WLOG_ERR(w.who, TXT_CHAIN, int(chainIn), int(len < cap ? len : cap));
-    errorBefore(d, idx, w);
+    errorBefore(r.d, idx, w);
+    return false;
 }
 
-void failAfter(const Desc &d, uint32_t idx, const uint8_t *start, const ReadLog *log) {
-    errorBefore(d, idx, where(d, start, log));
+bool failAfter(const ReadOf &r, uint32_t idx) {
+    errorBefore(r.d, idx, where(r.d, r.start, r.log));
+    return false;
 }
 
-void copyFailed(const Desc &d, const Field &f, uint32_t status) {
-    Who who{"intfWifiAp_", d.name, "_copy"};
-    if (f.kind == Kind::List)
-        WLOG_ERR(who, TXT_COPY_FAILED_U, f.sub->name, status);
-    else
-        WLOG_ERR(who, TXT_COPY_FAILED_D, f.sub->name, int(status));
+uint32_t walkSize(const Desc &d, const uint8_t *rec) {
+    uint32_t sum = 0;
+    for (uint32_t i = 0; i < d.count; ++i) {
+        const Field &f = d.fields[i];
+        if (hasElement(f.kind)) {
+            sum += leafSize(f, rec);
+        } else if (f.kind == Kind::Nested) {
+            sum += walkSize(*f.sub, rec + f.off);
+        } else {
+            for (uint32_t k = 0, n = items(rec, f); k < n; ++k)
+                sum += walkSize(*f.sub, rec + f.off + k * f.stride);
+        }
+    }
+    return sum;
+}
+
+uint8_t *walkWrite(const Desc &d, const uint8_t *rec, uint8_t *p) {
+    for (uint32_t i = 0; i < d.count; ++i) {
+        const Field &f = d.fields[i];
+        if (hasElement(f.kind)) {
+            p = writeLeaf(f, d.firstTag + i, rec, p);
+        } else if (f.kind == Kind::Nested) {
+            p = walkWrite(*f.sub, rec + f.off, p);
+        } else {
+            for (uint32_t k = 0, n = items(rec, f); k < n; ++k)
+                p = walkWrite(*f.sub, rec + f.off + k * f.stride, p);
+        }
+    }
+    return p;
+}
+
+uint32_t walkRead(const Desc &d, uint8_t *rec, Reader &rd, const ReadLog *log) {
+    const ReadOf r{d, rd.p, log};
+    for (uint32_t i = 0; i < d.count; ++i) {
+        const Field &f = d.fields[i];
+        if (hasElement(f.kind)) {
+            if (!readLeaf<true>(&r, i, f, d.firstTag + i, rec, rd)) return INTFWIFIAP_STATUS_ENCODING;
+            continue;
+        }
+        const uint32_t n = f.kind == Kind::Nested ? 1 : items(rec, f);
+        for (uint32_t k = 0; k < n; ++k)
+            if (walkRead(*f.sub, rec + f.off + k * f.stride, rd, nullptr))
+                return failAfter(r, i), INTFWIFIAP_STATUS_ENCODING;
+    }
+    return INTFWIFIAP_STATUS_OK;
+}
+
+uint32_t walkCopy(const Desc &d, uint8_t *dst, const uint8_t *src) {
+    for (uint32_t i = 0; i < d.count; ++i) {
+        const Field &f = d.fields[i];
+        if (f.kind == Kind::Text) {
+            copyText(reinterpret_cast<char *>(dst + f.off), reinterpret_cast<const char *>(src + f.off),
+                     f.cap);
+        } else if (hasElement(f.kind)) {
+            memcpy(dst + f.off, src + f.off, f.kind == Kind::U64 ? 8 : width(f.kind));
+        } else {
+            const uint32_t n = f.kind == Kind::Nested ? 1 : items(src, f);
+            for (uint32_t k = 0; k < n; ++k) {
+                const uint32_t at = f.off + k * f.stride;
+                // No copy fails (texts are cut, not refused); the lines stay for
+                // a record whose copy one day can.
+                if (uint32_t st = walkCopy(*f.sub, dst + at, src + at)) {
+                    Who who{"intfWifiAp_", d.name, "_copy"};
+                    if (f.kind == Kind::List) WLOG_ERR(who, TXT_COPY_FAILED_U, f.sub->name, st);
+                    else WLOG_ERR(who, TXT_COPY_FAILED_D, f.sub->name, int(st));
+                    return st;
+                }
+            }
+        }
+    }
+    return INTFWIFIAP_STATUS_OK;
+}
+
+// Records own nothing: cleaning one releases nothing, in it or its items.
+void walkClean(const Desc &, uint8_t *) {}
+
+uint32_t tableSize(const Desc &d, const void *rec) {
+    return walkSize(d, static_cast<const uint8_t *>(rec));
+}
+uint8_t *tableWrite(const Desc &d, const void *rec, uint8_t *cursor) {
+    return walkWrite(d, static_cast<const uint8_t *>(rec), cursor);
+}
+uint32_t tableRead(const Desc &d, void *rec, const uint8_t **cursor, size_t left,
+                   const ReadLog &log) {
+    Reader rd{*cursor, left};
+    uint32_t st = walkRead(d, static_cast<uint8_t *>(rec), rd, &log);
+    *cursor = rd.p;
+    return st;
 }
 
 void copyText(char *dst, const char *src, size_t cap) {
@@ -76,3 +168,30 @@ void copyText(char *dst, const char *src, size_t cap) {
 }
 
 }  // namespace wifiap::codec
+
+using namespace wifiap::codec;
+
+uint32_t Ops::copy(void *dst, const void *src) const {
+    return walkCopy(*desc, static_cast<uint8_t *>(dst), static_cast<const uint8_t *>(src));
+}
+
+void Ops::clean(void *rec) const { walkClean(*desc, static_cast<uint8_t *>(rec)); }
+
+// A record comes as one address; bare fields as one each.
+const char *Ops::missing(const void *const *args) const {
+    if (*name) return args[0] ? nullptr : name;
+    for (uint32_t i = 0; i < desc->count; ++i)
+        if (!args[i]) return desc->fields[i].name;
+    return nullptr;
+}
+
+uint32_t Ops::fill(void *payload, const void *const *args) const {
+    if (*name) return copy(payload, args[0]);
+    for (uint32_t i = 0; i < desc->count; ++i) {
+        const Field &f = desc->fields[i];
+        auto *at = static_cast<uint8_t *>(payload) + f.off;
+        if (f.kind == Kind::Text) copyText(reinterpret_cast<char *>(at), static_cast<const char *>(args[i]), f.cap);
+        else memcpy(at, args[i], sizeof(uint32_t));  // bare words are 32-bit
+    }
+    return INTFWIFIAP_STATUS_OK;
+}

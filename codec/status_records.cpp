@@ -5,6 +5,8 @@ namespace wifiap::codec {
 
 WIFIAP_RECORD(assocDevStatus, kAssocDevStatus, kAssocDevStatusDesc)
 WIFIAP_RECORD(assocDevInfoFull, kAssocDevInfoFull, kAssocDevInfoFullDesc)
-WIFIAP_RECORD(assocDevStatList, kAssocDevStatList, kAssocDevStatListDesc)
+// The station statistics list: its operations compiled, for the thousands of
+// elements a message of it carries.
+WIFIAP_RECORD(assocDevStatList, kAssocDevStatList, kAssocDevStatListDesc, true)
 
 }  // namespace wifiap::codec
