@@ -51,7 +51,7 @@ std::string pcapngStart() {
     std::string idb;
     u16(idb, uint16_t(kLinkType));
     u16(idb, 0);
-    u32(idb, 0);  // no snapshot limit; time in microseconds, the default
+    u32(idb, kMaxPacket);  // time in microseconds, the default
     return block(0x0A0D0D0A, shb) + block(1, idb);
 }
 
@@ -79,9 +79,10 @@ std::string pcapngPacket(const Crossing &c) {
     u32(epb, 0);  // the interface
     u32(epb, uint32_t(us >> 32));
     u32(epb, uint32_t(us));
+    const size_t kept = std::min<size_t>(data.size(), kMaxPacket);
+    u32(epb, uint32_t(kept));
     u32(epb, uint32_t(data.size()));
-    u32(epb, uint32_t(data.size()));
-    epb += data;
+    epb.append(data, 0, kept);
     return block(6, epb);
 }
 

@@ -35,6 +35,9 @@ inline constexpr PacketField kPacketHeader[] = {WIFIAP_PACKET_HEADER(WIFIAP_PACK
 #undef WIFIAP_PACKET_FIELD
 
 inline constexpr uint32_t kPacketFormat = 1;
+// Wireshark reads no longer packet: a longer one keeps its first bytes and
+// states its whole length (the largest station statistics are about 800 kB).
+inline constexpr uint32_t kMaxPacket = 262144;
 // The table byte of a table name that is neither of the two.
 inline constexpr uint32_t kNoTable = 0xFF;
 
