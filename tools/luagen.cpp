@@ -346,8 +346,8 @@ function p.dissector(tvb, pinfo, tree)
     local heading = string.format("%s %s (%s %d), %d bytes", m.name, side, tname, h.index, length)
     root:set_text(p.description .. ", " .. heading)
     root:add(f_message, tvb(0, 0), m.name .. " " .. side)
-    pinfo.cols.src = sender
-    pinfo.cols.dst = receiver
+    if sender ~= "" then pinfo.cols.src = sender end
+    if receiver ~= "" then pinfo.cols.dst = receiver end
     pinfo.cols.info = m.name .. " " .. side
 
     local hv = {}
