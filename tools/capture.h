@@ -21,6 +21,7 @@ struct Crossing {
     uint32_t index = 0;
     uint32_t bodyType = 0;
     std::vector<uint8_t> body;
+    std::string sender, receiver;  // "bus/user"; a text capture has none
 };
 
 std::string captureLine(const Crossing &c);  // without the line feed

@@ -10,6 +10,7 @@
 
 #include "capture.h"
 #include "check.h"
+#include "pcapng.h"
 
 namespace wifiap::tools {
 
@@ -17,16 +18,17 @@ namespace {
 
 const char kUsage[] =
     "usage: wifiap-decode [--msg NAME] [--request|--response] [--binary] [--hex]\n"
-    "                     [--items N] [FILE|-]\n"
+    "                     [--items N] [--pcapng OUT] [FILE|-]\n"
     "Decodes a body (hex text or, with --binary or when not hex, raw bytes) or a\n"
-    "capture file. Without --msg the message is found from the header's magic.\n";
+    "capture file. Without --msg the message is found from the header's magic.\n"
+    "--pcapng OUT also writes a capture file's bodies to OUT, for Wireshark.\n";
 
 struct Opts {
     const Message *msg = nullptr;
     int bodyType = -1;  // -1: either side the message has
     bool binary = false, hex = false;
     Style style;
-    std::string file;
+    std::string file, pcapng;
 };
 
 bool parse(const std::vector<std::string> &args, Opts &o, std::string &err) {
@@ -49,6 +51,8 @@ bool parse(const std::vector<std::string> &args, Opts &o, std::string &err) {
             o.binary = true;
         } else if (a == "--hex") {
             o.hex = true;
+        } else if (a == "--pcapng" && hasValue) {
+            o.pcapng = args[++i];
         } else if (a == "--items" && hasValue) {
             o.style.maxItems = uint32_t(strtoul(args[++i].c_str(), nullptr, 10));
         } else if ((a.empty() || a[0] != '-' || a == "-") && o.file.empty()) {
@@ -106,7 +110,9 @@ bool showAny(std::string &out, const uint8_t *body, size_t n, const Opts &o) {
     return any;
 }
 
-bool showCapture(std::string &out, std::string &err, std::string_view text, const Opts &o) {
+// `pcapng`, if not null, receives a packet for every crossing.
+bool showCapture(std::string &out, std::string &err, std::string_view text, const Opts &o,
+                 std::string *pcapng) {
     bool ok = true;
     size_t number = 0, lineNo = 0;
     while (!text.empty()) {
@@ -123,6 +129,7 @@ bool showCapture(std::string &out, std::string &err, std::string_view text, cons
             }
             continue;
         }
+        if (pcapng) *pcapng += pcapngPacket(c);
         const Message *m = findMessage(c.table, c.index);
         char head[96];
         snprintf(head, sizeof head, "#%zu %.6f ", ++number, c.seconds);
@@ -169,7 +176,21 @@ int runDecode(const std::vector<std::string> &args, const std::function<std::str
         data = readInput();
     }
     const std::string_view input = data;
-    if (!o.binary && looksLikeCapture(input)) return showCapture(out, err, input, o) ? 0 : 1;
+    if (!o.pcapng.empty()) {
+        if (o.binary || !looksLikeCapture(input)) {
+            err += "wifiap-decode: --pcapng converts a capture file, and this is none\n";
+            return 2;
+        }
+        std::string pcap = pcapngStart();
+        const bool ok = showCapture(out, err, input, o, &pcap);
+        std::ofstream f(o.pcapng, std::ios::binary);
+        if (!f.write(pcap.data(), std::streamsize(pcap.size())) || !f.flush()) {
+            err += "wifiap-decode: cannot write " + o.pcapng + "\n";
+            return 2;
+        }
+        return ok ? 0 : 1;
+    }
+    if (!o.binary && looksLikeCapture(input)) return showCapture(out, err, input, o, nullptr) ? 0 : 1;
     std::vector<uint8_t> body;
     if (o.binary || !parseHex(input, body)) {
         // Hex digits alone that do not pair up are a typing slip, not binary.

@@ -16,6 +16,7 @@
 
 #include "capture.h"
 #include "decode.h"
+#include "pcapng.h"
 #include "hostsim.h"
 #include "intfWifiAp.h"
 #include "messages.h"
@@ -135,6 +136,7 @@ struct Options {
 };
 Options g_opt;
 FILE *g_capture = nullptr;
+bool g_pcapng = false;  // the capture's form: pcapng, or text lines
 double g_start = 0;
 uint32_t g_problems = 0;  // what the demo's own checks found wrong
 
@@ -144,6 +146,7 @@ void problem(const char *what) {
 }
 
 struct Seen {
+    double seconds;
     uint32_t stage, index, bodyType, code;
     std::string table, message, from, to;
     std::vector<uint8_t> body;
@@ -158,23 +161,31 @@ std::string who(const char *bus, const char *user) {
 // Copies only: decoding and printing wait until the loop is idle, so that a
 // timed exchange measures the library and the bus, not the printing.
 void onTrace(void *, const hs_trace *t) {
-    Seen s{t->stage, t->index, t->bodyType, t->code, t->table, t->message,
+    Seen s{now() - g_start, t->stage, t->index, t->bodyType, t->code, t->table, t->message,
            who(t->senderBus, t->sender), t->receiver ? who(t->receiverBus, t->receiver) : "",
            {}, t->body != nullptr};
     if (t->body) s.body.assign(t->body, t->body + t->length);
-    if (g_capture && t->stage == HS_TRACE_SENT && t->body) {
-        Crossing c{now() - g_start, t->table, t->index, t->bodyType, s.body};
-        fprintf(g_capture, "%s\n", captureLine(c).c_str());
-    }
     g_seen.push_back(std::move(s));
 }
 
 uint32_t g_blocks = 0;
 
+// A body sent, once its receivers are known (a notification's are not when it is sent).
+void capture(const Seen &s, const std::string &receivers) {
+    if (!g_capture || !s.hasBody) return;
+    Crossing c{s.seconds, s.table, s.index, s.bodyType, s.body, s.from, receivers};
+    if (g_pcapng) {
+        const std::string b = pcapngPacket(c);
+        fwrite(b.data(), 1, b.size(), g_capture);
+    } else {
+        fprintf(g_capture, "%s\n", captureLine(c).c_str());
+    }
+}
+
 // One block per body sent, with where it arrived. A body received belongs to
 // the first one sent alike that has not yet reached that receiver.
 void printTrace() {
-    std::vector<std::string> to(g_seen.size());
+    std::vector<std::string> to(g_seen.size()), names(g_seen.size());
     for (size_t j = 0; j < g_seen.size(); ++j) {
         const Seen &r = g_seen[j];
         if (r.stage != HS_TRACE_RECEIVED) continue;
@@ -185,6 +196,7 @@ void printTrace() {
                 to[i].find(r.to) != std::string::npos)
                 continue;
             to[i] += (to[i].empty() ? "" : ", ") + r.to;
+            names[i] += (names[i].empty() ? "" : ", ") + r.to;
             if (r.code) to[i] += " (refused, code " + std::to_string(r.code) + ")";
             break;
         }
@@ -192,6 +204,7 @@ void printTrace() {
     for (size_t i = 0; i < g_seen.size(); ++i) {
         const Seen &s = g_seen[i];
         if (s.stage != HS_TRACE_SENT) continue;
+        capture(s, names[i]);
         const Message *m = findMessage(s.table, s.index);
         const bool ntfy = m && m->ntfy;
         const char *dir = ntfy ? "server -> clients" : s.bodyType ? "server -> client"
@@ -651,7 +664,8 @@ int usage() {
             "usage: wifiap-demo [--hex] [--stations N] [--capture FILE] [--library PATH]\n"
             "  --hex           add a hex dump of every body\n"
             "  --stations N    stations associated with the access point, 0..100 (4)\n"
-            "  --capture FILE  write every body sent to FILE (see wifiap-decode)\n"
+            "  --capture FILE  write every body sent to FILE (see wifiap-decode); pcapng\n"
+            "                  if FILE ends in .pcapng\n"
             "  --library PATH  the interface library to load\n");
     return 2;
 }
@@ -683,15 +697,22 @@ int main(int argc, char **argv) {
         return 1;
     }
     if (!g_opt.capture.empty()) {
-        g_capture = fopen(g_opt.capture.c_str(), "w");
+        const std::string &f = g_opt.capture;
+        g_pcapng = f.size() > 7 && f.compare(f.size() - 7, 7, ".pcapng") == 0;
+        g_capture = fopen(f.c_str(), g_pcapng ? "wb" : "w");
         if (!g_capture) {
-            perror(g_opt.capture.c_str());
+            perror(f.c_str());
             return 1;
         }
-        fprintf(g_capture,
-                "# wifiap-demo --stations %u: every body sent\n"
-                "# <seconds.micros> <table> <index> <bodyType> <hex bytes>\n",
-                g_opt.stations);
+        if (g_pcapng) {
+            const std::string start = pcapngStart();
+            fwrite(start.data(), 1, start.size(), g_capture);
+        } else {
+            fprintf(g_capture,
+                    "# wifiap-demo --stations %u: every body sent\n"
+                    "# <seconds.micros> <table> <index> <bodyType> <hex bytes>\n",
+                    g_opt.stations);
+        }
     }
     g_start = now();
     hs_reset();
