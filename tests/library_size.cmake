@@ -1,0 +1,10 @@
+# Fails when the library's text + data, as `size` counts them, exceed BUDGET bytes.
+execute_process(COMMAND ${SIZE} ${LIB} OUTPUT_VARIABLE out RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0 OR NOT out MATCHES "\n *([0-9]+)[ \t]+([0-9]+)")
+  message(FATAL_ERROR "${SIZE} ${LIB} failed: ${out}")
+endif()
+math(EXPR total "${CMAKE_MATCH_1} + ${CMAKE_MATCH_2}")
+if(total GREATER BUDGET)
+  message(FATAL_ERROR "text + data ${total} bytes, over the budget of ${BUDGET}")
+endif()
+message(STATUS "text + data ${total} bytes, budget ${BUDGET}")
