@@ -10,7 +10,7 @@ using namespace wifiap::codec;
 
 // The exported functions behind one signature each, per record.
 #define CT_RECORD(R, C)                                                                   \
-    RecordApi{#R, &k##C, &k##C##Desc,                                                     \
+    RecordApi{#R, &k##C,                                                     \
               [](void *d, const void *s) { return intfWifiAp_##R##_copy((R *)d, (const R *)s); }, \
               [](void *r) { intfWifiAp_##R##_clean((R *)r); },                            \
               [](const void *r) { return intfWifiAp_##R##_serialize_lg((const R *)r); },  \
@@ -62,7 +62,7 @@ static void fill(const Desc &d, uint8_t *rec, std::mt19937 &rng, uint32_t maxIte
 }
 
 void randomFill(const RecordApi &r, void *rec, std::mt19937 &rng, uint32_t maxItems) {
-    fill(*r.desc, static_cast<uint8_t *>(rec), rng, maxItems);
+    fill(*r.ops->desc, static_cast<uint8_t *>(rec), rng, maxItems);
 }
 
 std::vector<std::string> expand(const std::vector<std::string> &lines, const uint8_t *base,

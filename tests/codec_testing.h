@@ -62,7 +62,6 @@ inline std::unique_ptr<uint64_t[]> blob(size_t n) {
 struct RecordApi {
     const char *name;
     const wifiap::codec::Ops *ops;
-    const wifiap::codec::Desc *desc;
     uint32_t (*copy)(void *, const void *);
     void (*clean)(void *);
     uint32_t (*lg)(const void *);

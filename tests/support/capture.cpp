@@ -70,12 +70,11 @@ void track(void *p) {
 }
 
 std::string fmt(const char *f, ...) {
-    char buf[1024];
     va_list ap;
     va_start(ap, f);
-    vsnprintf(buf, sizeof buf, f, ap);
+    std::string s = wifiap::tools::vformat(f, ap);
     va_end(ap);
-    return buf;
+    return s;
 }
 
 void failAlloc(int nth) { g_failIn = nth; }
