@@ -23,27 +23,25 @@ Bytes enc(const c::Ops &ops, const void *p) {
     ops.write(p, &cur);
     return b;
 }
-void saw(Seen &s, M msg, uintptr_t ref, Bytes p, const void *at = nullptr) {
-    s = {s.calls + 1, msg, ref, std::move(p), at};
-}
-void served(M msg, uintptr_t ref, Bytes p, const void *at = nullptr) {
-    saw(g_method, msg, ref, std::move(p), at);
+void saw(Seen &s, M msg, uintptr_t ref, Bytes p) { s = {s.calls + 1, msg, ref, std::move(p)}; }
+void served(M msg, uintptr_t ref, Bytes p) {
+    saw(g_method, msg, ref, std::move(p));
     if (g_answerInMethod && reinterpret_cast<const Message *>(ref)->twoWay)
         reinterpret_cast<const Message *>(ref)->answer(msg, kSample);
 }
 
 // Server methods (m), client methods and callbacks (rec: into S), by payload.
 void mVoid(M m, uintptr_t r) { served(m, r, {}); }
-void mText(M m, uintptr_t r, B t) { served(m, r, text(3, t), t); }
-void mText2(M m, uintptr_t r, B a, B b) { served(m, r, text(3, a) + text(4, b), a); }
+void mText(M m, uintptr_t r, B t) { served(m, r, text(3, t)); }
+void mText2(M m, uintptr_t r, B a, B b) { served(m, r, text(3, a) + text(4, b)); }
 template <const c::Ops &O, typename R>
-void mRec(M m, uintptr_t r, const R *p) { served(m, r, enc(O, p), p); }
+void mRec(M m, uintptr_t r, const R *p) { served(m, r, enc(O, p)); }
 template <const c::Ops &O, typename R, Seen &S = g_callback>
-void rec(M m, uintptr_t r, const R *p) { saw(S, m, r, enc(O, p), p); }
+void rec(M m, uintptr_t r, const R *p) { saw(S, m, r, enc(O, p)); }
 void nWord(M m, uintptr_t r, uint32_t v) { saw(g_method, m, r, scalar(3, v)); }
 void cbWord(M m, uintptr_t r, uint32_t v) { saw(g_callback, m, r, scalar(3, v)); }
 void cbCreate(M m, uintptr_t r, B a, B b, uint32_t v) {
-    saw(g_callback, m, r, text(3, a) + text(4, b) + scalar(5, v), a);
+    saw(g_callback, m, r, text(3, a) + text(4, b) + scalar(5, v));
 }
 
 // A sample record, alive until the end of the send.

@@ -80,7 +80,6 @@ struct Seen {
     ismMsg_t msg = nullptr;
     uintptr_t ref = 0;
     Bytes payload;
-    const void *at = nullptr;  // the first pointer handed over
 };
 extern Seen g_method, g_callback;
 // When set, a server method answers with the sample response; its reference
