@@ -427,61 +427,55 @@ INTFWIFIAP_CMD_API(sendAccountingRequest)
 INTFWIFIAP_CMD_API(getAssocDevStats)
 INTFWIFIAP_CMD_API(forceApplyMacFilterChange)
 
-/* Two-way commands (server method type in brackets). */
+/* Two-way commands: the client's request, */
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_configure(ismUser_t user, intfWifiAp_resCb_result_t cb,
                                                      uintptr_t ref, const char *busName,
                                                      const char *userName, const conf *req);
-INTFWIFIAP_API void intfWifiAp_sendRes_configure(ismMsg_t msg, uint32_t result); /* mthd_conf */
-
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_create(ismUser_t user, intfWifiAp_resCb_create_t cb,
                                                   uintptr_t ref, const char *busName,
                                                   const char *userName, const char *text1,
                                                   const char *text2);
-INTFWIFIAP_API void intfWifiAp_sendRes_create(ismMsg_t msg, const char *text1, const char *text2,
-                                              uint32_t result); /* mthd_text2 */
-
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_ssidinfo(ismUser_t user, intfWifiAp_resCb_result_t cb,
                                                     uintptr_t ref, const char *busName,
                                                     const char *userName, const char *text);
-INTFWIFIAP_API void intfWifiAp_sendRes_ssidinfo(ismMsg_t msg, uint32_t result); /* mthd_text */
-
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_stop(ismUser_t user, intfWifiAp_resCb_result_t cb,
                                                 uintptr_t ref, const char *busName,
                                                 const char *userName);
-INTFWIFIAP_API void intfWifiAp_sendRes_stop(ismMsg_t msg, uint32_t result); /* mthd_void */
-
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_startWPS(ismUser_t user,
                                                     intfWifiAp_resCb_wpsInfoOut_t cb,
                                                     uintptr_t ref, const char *busName,
                                                     const char *userName, const wpsInfoIn *req);
-INTFWIFIAP_API void intfWifiAp_sendRes_startWPS(ismMsg_t msg,
-                                                const wpsInfoOut *res); /* mthd_wpsInfoIn */
-
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_startPhysicalWPS(ismUser_t user,
                                                             intfWifiAp_resCb_wpsInfoOut_t cb,
                                                             uintptr_t ref, const char *busName,
                                                             const char *userName,
                                                             const wpsInfoIn *req);
-INTFWIFIAP_API void intfWifiAp_sendRes_startPhysicalWPS(ismMsg_t msg,
-                                                        const wpsInfoOut *res); /* mthd_wpsInfoIn */
-
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_generatePinCodeWPS(ismUser_t user,
                                                               intfWifiAp_resCb_result_t cb,
                                                               uintptr_t ref, const char *busName,
                                                               const char *userName);
-INTFWIFIAP_API void intfWifiAp_sendRes_generatePinCodeWPS(ismMsg_t msg,
-                                                          uint32_t result); /* mthd_void */
-
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_sendAccountingRequest(
     ismUser_t user, intfWifiAp_resCb_accountingResult_t cb, uintptr_t ref, const char *busName,
     const char *userName, const accountingParams *req);
-INTFWIFIAP_API void intfWifiAp_sendRes_sendAccountingRequest(
-    ismMsg_t msg, const accountingResult *res); /* mthd_accountingParams */
-
 INTFWIFIAP_API uint32_t intfWifiAp_sendReq_getAssocDevStats(ismUser_t user,
                                                             intfWifiAp_resCb_assocDevStatList_t cb,
                                                             uintptr_t ref, const char *busName,
                                                             const char *userName);
+
+/* and the server's answer (the server method's type in brackets). */
+INTFWIFIAP_API void intfWifiAp_sendRes_configure(ismMsg_t msg, uint32_t result); /* mthd_conf */
+INTFWIFIAP_API void intfWifiAp_sendRes_create(ismMsg_t msg, const char *text1, const char *text2,
+                                              uint32_t result); /* mthd_text2 */
+INTFWIFIAP_API void intfWifiAp_sendRes_ssidinfo(ismMsg_t msg, uint32_t result); /* mthd_text */
+INTFWIFIAP_API void intfWifiAp_sendRes_stop(ismMsg_t msg, uint32_t result); /* mthd_void */
+INTFWIFIAP_API void intfWifiAp_sendRes_startWPS(ismMsg_t msg,
+                                                const wpsInfoOut *res); /* mthd_wpsInfoIn */
+INTFWIFIAP_API void intfWifiAp_sendRes_startPhysicalWPS(ismMsg_t msg,
+                                                        const wpsInfoOut *res); /* mthd_wpsInfoIn */
+INTFWIFIAP_API void intfWifiAp_sendRes_generatePinCodeWPS(ismMsg_t msg,
+                                                          uint32_t result); /* mthd_void */
+INTFWIFIAP_API void intfWifiAp_sendRes_sendAccountingRequest(
+    ismMsg_t msg, const accountingResult *res); /* mthd_accountingParams */
 INTFWIFIAP_API void intfWifiAp_sendRes_getAssocDevStats(ismMsg_t msg,
                                                         const assocDevStatList *res); /* mthd_void */
 
