@@ -2,6 +2,8 @@
 
 #include <stdlib.h>
 
+#include "records.h"
+
 namespace wifiap::msg {
 
 #define WIFIAP_CMD_DESC(N, s, U, version, Req, Res)                                            \
@@ -96,7 +98,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
 
 }  // namespace
 
-[[gnu::noinline]] void freeBody(const Desc &d, uint32_t type, void *ctx) {
+[[gnu::noinline]]
+void freeBody(const Desc &d, uint32_t type, void *ctx) {
     Side side;
     const codec::Ops *ops =
         sideOf(d, type, "freeBody_", "No free body response process\n", false, &side);
@@ -115,7 +118,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
     free(ctx);
 }
 
-[[gnu::noinline]] uint32_t serializeBody(const Desc &d, uint32_t type, void *ctx, uint8_t **body, uint32_t *len) {
+[[gnu::noinline]]
+uint32_t serializeBody(const Desc &d, uint32_t type, void *ctx, uint8_t **body, uint32_t *len) {
     Side side;
     const codec::Ops *ops =
         sideOf(d, type, "serializeBody_", "No Serialize response process\n", true, &side);
@@ -146,7 +150,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
     return INTFWIFIAP_BODY_OK;
 }
 
-[[gnu::noinline]] uint32_t unserializeBody(const Desc &d, uint32_t type, const uint8_t *body, void **out,
+[[gnu::noinline]]
+uint32_t unserializeBody(const Desc &d, uint32_t type, const uint8_t *body, void **out,
                          uint32_t *size) {
     Side side;
     const codec::Ops *ops =
@@ -185,7 +190,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
     return INTFWIFIAP_BODY_OK;
 }
 
-[[gnu::noinline]] void logBody(const Desc &d, char **text) {
+[[gnu::noinline]]
+void logBody(const Desc &d, char **text) {
     Who who = cbWho(d, "logBody_", kPlain);
     if (!text) {
         WLOG_ERR(who, "Invalid parameter\n");
@@ -200,7 +206,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
     **text = '\0';
 }
 
-[[gnu::noinline]] uint32_t sendReq(const Desc &d, ismResHandler_t handler, ismUser_t user, void *cb, uintptr_t ref,
+[[gnu::noinline]]
+uint32_t sendReq(const Desc &d, ismResHandler_t handler, ismUser_t user, void *cb, uintptr_t ref,
                  const char *bus, const char *name, Args args) {
     Who who{"intfWifiAp_sendReq_", d.typedSfx};
     if (!name) {
@@ -215,7 +222,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
                                          ISM_SEND_FLAGS);
 }
 
-[[gnu::noinline]] void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name, Args args) {
+[[gnu::noinline]]
+void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name, Args args) {
     Who who{"intfWifiAp_sendReq_", d.typedSfx};
     if (argsMissing(*d.req, args, who, "user", user)) return;
     void *ctx = newCtx(d, *d.req, args, who);
@@ -224,7 +232,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
                          d.index, 0, 0, ISM_SEND_FLAGS);
 }
 
-[[gnu::noinline]] void sendRes(const Desc &d, ismMsg_t msg, Args args) {
+[[gnu::noinline]]
+void sendRes(const Desc &d, ismMsg_t msg, Args args) {
     if (ismCore_isMsg_needRes(msg) != 0) return;
     Who who{"intfWifiAp_sendRes_", d.typedSfx};
     if (argsMissing(*d.res, args, who, "msg", msg)) return;
@@ -233,7 +242,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
     ismCore_sendMsgRes(msg, ctx, INTFWIFIAP_BODY_OK, ISM_SEND_FLAGS);
 }
 
-[[gnu::noinline]] int32_t modSrvRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) {
+[[gnu::noinline]]
+int32_t modSrvRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) {
     int32_t rc = ismIntf_modSrv_mthd(user, v1, v2, v3, d.magic + 1, B().name, &B().cmdHdr,
                                      &B().ntfyHdr, d.index, ISM_ANY, ISM_ANY);
     const Who who{"intfWifiAp_modSrv_recvMsg_", d.sfx};
@@ -241,7 +251,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
     return rc;
 }
 
-[[gnu::noinline]] int32_t modCliNtfyRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3,
+[[gnu::noinline]]
+int32_t modCliNtfyRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3,
                           const char *bus, const char *name) {
     int32_t rc = ismIntf_modCliNtfyUser_mthd(user, v1, v2, v3, d.magic + 1, bus, name, B().name,
                                              &B().cmdHdr, &B().ntfyHdr, d.index);
@@ -252,7 +263,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
     return rc;
 }
 
-[[gnu::noinline]] int32_t needUpdate(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) {
+[[gnu::noinline]]
+int32_t needUpdate(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) {
     int32_t rc = ismIntf_modSrv_ntfy_needUpdate(user, v1, v2, v3, B().name, &B().cmdHdr,
                                                 &B().ntfyHdr, d.index);
     const Who who{"intfWifiAp_modSrv_needUpdate_", d.typedSfx};
@@ -260,7 +272,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
     return rc;
 }
 
-[[gnu::noinline]] const void *recvReq(const Desc &d, ismMsg_t msg, void *ctx, void *method) {
+[[gnu::noinline]]
+const void *recvReq(const Desc &d, ismMsg_t msg, void *ctx, void *method) {
     if (!present(d, ctx, Who{"intfWifiAp_recvReq_", d.typedSfx})) return nullptr;
     if (!method) {
         ismCore_sendMsgRes(msg, ctx, ISM_STATUS_NO_HANDLER, ISM_SEND_FLAGS);
@@ -269,7 +282,8 @@ const intfWifiAp_desc &B() { return intfWifiAp_base; }
     return static_cast<uint8_t *>(ctx) + d.req->at;
 }
 
-[[gnu::noinline]] Answer recvRes(const Desc &d, ismMsg_t msg, void *ctx) {
+[[gnu::noinline]]
+Answer recvRes(const Desc &d, ismMsg_t msg, void *ctx) {
     if (!present(d, ctx, Who{"intfWifiAp_recvRes_", d.sfx})) return {};
     // The framework's record of the message opens with the client's callback
     // and reference, as given to the request.

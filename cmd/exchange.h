@@ -7,7 +7,6 @@
 #include <initializer_list>
 
 #include "codec.h"
-#include "records.h"
 #include "internal.h"
 #include "messages.h"
 

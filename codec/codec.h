@@ -130,8 +130,4 @@ struct Header {
 };
 extern const Ops kHeader;
 
-// Bounded text copy into a field of `cap` bytes: strncpy, then the last byte
-// forced to NUL, so a longer text is cut, never refused.
-void copyText(char *dst, const char *src, size_t cap);
-
 }  // namespace wifiap::codec

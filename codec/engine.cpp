@@ -37,6 +37,13 @@ uint32_t items(const uint8_t *rec, const Field &f) {
     return n < f.cap ? n : f.cap;
 }
 
+// Bounded text copy into a field of `cap` bytes: strncpy, then the last byte
+// forced to NUL, so a longer text is cut, never refused.
+void copyText(char *dst, const char *src, size_t cap) {
+    strncpy(dst, src, cap);
+    dst[cap - 1] = '\0';
+}
+
 size_t width(Kind k) { return k == Kind::U8 || k == Kind::S8 ? 1 : k == Kind::S16 ? 2 : 4; }
 
 }  // namespace
@@ -108,7 +115,8 @@ uint32_t walkRead(const Desc &d, uint8_t *rec, Reader &rd, const ReadLog *log) {
     for (uint32_t i = 0; i < d.count; ++i) {
         const Field &f = d.fields[i];
         if (hasElement(f.kind)) {
-            if (!readLeaf<true>(&r, i, f, d.firstTag + i, rec, rd)) return INTFWIFIAP_STATUS_ENCODING;
+            if (!readLeaf<true>(&r, i, f, d.firstTag + i, rec, rd))
+                return INTFWIFIAP_STATUS_ENCODING;
             continue;
         }
         const uint32_t n = f.kind == Kind::Nested ? 1 : items(rec, f);
@@ -123,8 +131,8 @@ uint32_t walkCopy(const Desc &d, uint8_t *dst, const uint8_t *src) {
     for (uint32_t i = 0; i < d.count; ++i) {
         const Field &f = d.fields[i];
         if (f.kind == Kind::Text) {
-            copyText(reinterpret_cast<char *>(dst + f.off), reinterpret_cast<const char *>(src + f.off),
-                     f.cap);
+            copyText(reinterpret_cast<char *>(dst + f.off),
+                     reinterpret_cast<const char *>(src + f.off), f.cap);
         } else if (hasElement(f.kind)) {
             memcpy(dst + f.off, src + f.off, f.kind == Kind::U64 ? 8 : width(f.kind));
         } else {
@@ -162,10 +170,6 @@ uint32_t tableRead(const Desc &d, void *rec, const uint8_t **cursor, size_t left
     return st;
 }
 
-void copyText(char *dst, const char *src, size_t cap) {
-    strncpy(dst, src, cap);
-    dst[cap - 1] = '\0';
-}
 
 }  // namespace wifiap::codec
 
@@ -190,8 +194,10 @@ uint32_t Ops::fill(void *payload, const void *const *args) const {
     for (uint32_t i = 0; i < desc->count; ++i) {
         const Field &f = desc->fields[i];
         auto *at = static_cast<uint8_t *>(payload) + f.off;
-        if (f.kind == Kind::Text) copyText(reinterpret_cast<char *>(at), static_cast<const char *>(args[i]), f.cap);
-        else memcpy(at, args[i], sizeof(uint32_t));  // bare words are 32-bit
+        if (f.kind == Kind::Text)
+            copyText(reinterpret_cast<char *>(at), static_cast<const char *>(args[i]), f.cap);
+        else
+            memcpy(at, args[i], sizeof(uint32_t));  // bare words are 32-bit
     }
     return INTFWIFIAP_STATUS_OK;
 }
