@@ -237,6 +237,18 @@ void walkClean(const Desc &d, uint8_t *rec);
 
 // ---- The compiled driver, for the station statistics list.
 
+// x86 CPUs with byte shuffles move lists of two 32-bit words per item (tags
+// `tag` and `tag` + 1) 16 bytes at a time. Each returns how many items it
+// took: an even number, 0 on a CPU without them; the reader stops before the
+// first two whose headers are not exactly theirs.
+#if defined(__x86_64__) || defined(__i386__)
+#define WIFIAP_VECTOR_PAIRS 1
+#else
+#define WIFIAP_VECTOR_PAIRS 0
+#endif
+size_t writePairs(const uint8_t *items, size_t n, uint32_t tag, uint8_t *p);
+size_t takePairs(uint8_t *items, size_t n, uint32_t tag, const uint8_t *p);
+
 template <const Desc *D>
 struct Rec {
     static constexpr uint32_t kCount = D->count;
@@ -246,6 +258,11 @@ struct Rec {
     static constexpr Field kF = D->fields[I];
     template <size_t I>
     static constexpr uint32_t kTag = D->firstTag + I;
+
+    // Two 32-bit words and nothing else, as a list of them lies in memory.
+    static constexpr bool kPair = kCount == 2 && D->fields[0].kind == Kind::U32 &&
+                                  D->fields[1].kind == Kind::U32 && D->fields[0].off == 0 &&
+                                  D->fields[1].off == 4;
 
     // Calls fn(field index) in field order while it returns true. Everything
     // here is forced inline so the walk leaves no trace in the generated code.
@@ -294,8 +311,12 @@ struct Rec {
             } else if constexpr (f.kind == Kind::Nested) {
                 p = Rec<f.sub>::write(rec + f.off, p);
             } else {
-                for (uint32_t k = 0, n = items(rec, f); k < n; ++k)
-                    p = Rec<f.sub>::write(rec + f.off + k * f.stride, p);
+                uint32_t k = 0, n = items(rec, f);
+                if constexpr (WIFIAP_VECTOR_PAIRS && Rec<f.sub>::kPair && f.stride == 8) {
+                    k = uint32_t(writePairs(rec + f.off, n, f.sub->firstTag, p));
+                    p += k * Rec<f.sub>::kFixed;
+                }
+                for (; k < n; ++k) p = Rec<f.sub>::write(rec + f.off + k * f.stride, p);
             }
             return true;
         });
@@ -336,6 +357,10 @@ struct Rec {
                     // for all; from an item whose headers differ, the rules take over.
                     if (rd.left / Item::kFixed >= n) {
                         const uint8_t *p = rd.p;
+                        if constexpr (WIFIAP_VECTOR_PAIRS && Item::kPair && f.stride == 8) {
+                            k = uint32_t(takePairs(rec + f.off, n, f.sub->firstTag, p));
+                            p += k * Item::kFixed;
+                        }
                         for (; k < n && Item::takeWords(rec + f.off + k * f.stride, p); ++k)
                             p += Item::kFixed;
                         rd.left -= size_t(p - rd.p);

@@ -51,6 +51,61 @@ TEST_P(RoundTrip, ComesBackEqualAndEveryPrefixIsRefused) {
 INSTANTIATE_TEST_SUITE_P(Codec, RoundTrip, testing::ValuesIn(records()),
                          [](const auto &i) { return std::string(i.param.name); });
 
+// The station list's reader takes rates in bulk while their headers are exact;
+// a rate that is not (either word, either item of a pair, the odd last one)
+// must read as the rules read it: same status, lines, cursor and record.
+TEST(Codec, StationListReadsUnusualRatesAsTheRules) {
+    auto src = std::make_unique<assocDevStatList>();
+    src->assocDevNum = 1;
+    perRateStats &pr = src->assocDevs[0].devStatus.devStats.perRate;
+    pr.rateStatsNum = 5;
+    for (uint32_t k = 0; k < 5; ++k) pr.rates[k] = rateStats{0xA0000000u + k, 0xB0000000u + k};
+    const RecordApi &r = record("assocDevStatList");
+    Bytes body(r.lg(src.get()));
+    uint8_t *w = body.data();
+    ASSERT_EQ(r.ser(src.get(), &w), 0u);
+    const Bytes first = scalar(3, 0xA0000000u);
+    const size_t rates = size_t(std::search(body.begin(), body.end(), first.begin(), first.end()) - body.begin());
+    ASSERT_LT(rates, body.size());
+    struct Result {
+        uint32_t status;
+        size_t cursor;
+        std::vector<std::string> lines;
+        Bytes rec;
+    };
+    auto read = [&](const Bytes &b, auto reader) {
+        auto out = blob(r.ops->bytes);
+        const uint8_t *c = b.data();
+        cap::reset();
+        uint32_t st = reader(out.get(), &c);
+        const auto *o = reinterpret_cast<const uint8_t *>(out.get());
+        return Result{st, size_t(c - b.data()), cap::texts(), Bytes(o, o + r.ops->bytes)};
+    };
+    // A wrong tag, or a length the rules take but the bulk path does not (read
+    // bounded only: a trusted read takes the next value for a length).
+    for (size_t at : {3, 7})
+        for (size_t item = 0; item < 5; ++item)
+            for (size_t word : {0, 1})
+                for (bool bounded : {true, false}) {
+                    if (!bounded && at == 7) continue;
+                    Bytes bad = body;
+                    bad[rates + item * 24 + word * 12 + at] = at == 3 ? 9 : 8;
+                    SCOPED_TRACE(testing::Message() << "item " << item << " word " << word << " byte "
+                                                    << at << (bounded ? " bounded" : " trusted"));
+                    const size_t left = bounded ? bad.size() : SIZE_MAX;
+                    Result rules = read(bad, [&](void *o, const uint8_t **c) {
+                        return wifiap::codec::tableRead(*r.ops->desc, o, c, left, {});
+                    });
+                    Result got = read(bad, [&](void *o, const uint8_t **c) {
+                        return bounded ? r.ops->read(o, c, left, {}) : r.unser(o, c);
+                    });
+                    EXPECT_EQ(got.status, rules.status);
+                    EXPECT_EQ(got.cursor, rules.cursor);
+                    EXPECT_EQ(got.lines, rules.lines);
+                    EXPECT_TRUE(got.rec == rules.rec);
+                }
+}
+
 // Copy cuts a text to capacity - 1 and copies min(count, capacity) items,
 // leaving the rest of the destination as it was.
 TEST(Codec, CopyCutsTextsAndItems) {
