@@ -249,6 +249,14 @@ void walkClean(const Desc &d, uint8_t *rec);
 size_t writePairs(const uint8_t *items, size_t n, uint32_t tag, uint8_t *p);
 size_t takePairs(uint8_t *items, size_t n, uint32_t tag, const uint8_t *p);
 
+// A list those can take: items of two 32-bit words and nothing else.
+constexpr bool vectorPairs(const Field &list) {
+    const Desc &d = *list.sub;
+    return WIFIAP_VECTOR_PAIRS && list.stride == 8 && d.count == 2 &&
+           d.fields[0].kind == Kind::U32 && d.fields[0].off == 0 &&
+           d.fields[1].kind == Kind::U32 && d.fields[1].off == 4;
+}
+
 template <const Desc *D>
 struct Rec {
     static constexpr uint32_t kCount = D->count;
@@ -258,11 +266,6 @@ struct Rec {
     static constexpr Field kF = D->fields[I];
     template <size_t I>
     static constexpr uint32_t kTag = D->firstTag + I;
-
-    // Two 32-bit words and nothing else, as a list of them lies in memory.
-    static constexpr bool kPair = kCount == 2 && D->fields[0].kind == Kind::U32 &&
-                                  D->fields[1].kind == Kind::U32 && D->fields[0].off == 0 &&
-                                  D->fields[1].off == 4;
 
     // Calls fn(field index) in field order while it returns true. Everything
     // here is forced inline so the walk leaves no trace in the generated code.
@@ -312,7 +315,7 @@ struct Rec {
                 p = Rec<f.sub>::write(rec + f.off, p);
             } else {
                 uint32_t k = 0, n = items(rec, f);
-                if constexpr (WIFIAP_VECTOR_PAIRS && Rec<f.sub>::kPair && f.stride == 8) {
+                if constexpr (vectorPairs(f)) {
                     k = uint32_t(writePairs(rec + f.off, n, f.sub->firstTag, p));
                     p += k * Rec<f.sub>::kFixed;
                 }
@@ -357,7 +360,7 @@ struct Rec {
                     // for all; from an item whose headers differ, the rules take over.
                     if (rd.left / Item::kFixed >= n) {
                         const uint8_t *p = rd.p;
-                        if constexpr (WIFIAP_VECTOR_PAIRS && Item::kPair && f.stride == 8) {
+                        if constexpr (vectorPairs(f)) {
                             k = uint32_t(takePairs(rec + f.off, n, f.sub->firstTag, p));
                             p += k * Item::kFixed;
                         }
