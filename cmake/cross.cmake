@@ -12,11 +12,5 @@ set(CMAKE_FIND_ROOT_PATH /usr/${WIFIAP_TRIPLET})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-if(WIFIAP_PROCESSOR STREQUAL "i686")
-  # qemu-i386 hangs in fork(), which death tests need; the cross C library's
-  # loader runs i686 binaries directly on an x86-64 kernel.
-  set(CMAKE_CROSSCOMPILING_EMULATOR
-      /usr/${WIFIAP_TRIPLET}/lib/ld-linux.so.2;--library-path;/usr/${WIFIAP_TRIPLET}/lib)
-else()
-  set(CMAKE_CROSSCOMPILING_EMULATOR qemu-${WIFIAP_PROCESSOR};-L;/usr/${WIFIAP_TRIPLET})
-endif()
+# How the target's programs run here is the project's choice, made once the
+# compiler is known: cmake/runner.cmake.

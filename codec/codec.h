@@ -57,10 +57,19 @@ struct Ops {
     uint32_t fill(void *payload, const void *const *args) const;
 };
 
-// The fifteen records.
-extern const Ops kWpsInfoIn, kWpsInfoOut, kConf, kRateStats, kAssocDevInfo, kAssocDevList,
-    kProbeRequest, kPerRateStats, kAssocDevStats, kWpsStatusStruct, kAccountingParams,
-    kAccountingResult, kAssocDevStatus, kAssocDevInfoFull, kAssocDevStatList;
+// The fifteen records, as the exported names spell them and as their Ops are
+// named; what enumerates records (tests, fuzzer) expands this list.
+#define WIFIAP_RECORDS(X)                                                                    \
+    X(wpsInfoIn, WpsInfoIn) X(wpsInfoOut, WpsInfoOut) X(conf, Conf) X(rateStats, RateStats) \
+    X(assocDevInfo, AssocDevInfo) X(assocDevList, AssocDevList)                             \
+    X(probeRequest, ProbeRequest) X(perRateStats, PerRateStats)                             \
+    X(assocDevStats, AssocDevStats) X(wpsStatusStruct, WpsStatusStruct)                     \
+    X(accountingParams, AccountingParams) X(accountingResult, AccountingResult)             \
+    X(assocDevStatus, AssocDevStatus) X(assocDevInfoFull, AssocDevInfoFull)                 \
+    X(assocDevStatList, AssocDevStatList)
+#define WIFIAP_RECORD_OPS_DECL(r, C) extern const Ops k##C;
+WIFIAP_RECORDS(WIFIAP_RECORD_OPS_DECL)
+#undef WIFIAP_RECORD_OPS_DECL
 
 // Message context: magic and hold word, then the payload in place.
 struct CtxHead {

@@ -85,11 +85,14 @@ constexpr uint32_t fixedSize(const Desc &d) {
 }
 
 // Where a read stands: the cursor and the bytes left before the end. A caller
-// that trusts its buffer reads unbounded: `left` starts at SIZE_MAX, so it is
-// never the limit. Texts are read alike either way: inside their element.
+// that trusts its buffer reads unbounded: `left` starts at kUnbounded, so it
+// is never the limit. Texts are read alike either way: inside their element.
+inline constexpr size_t kUnbounded = SIZE_MAX;
 struct Reader {
+    Reader(const uint8_t *at, size_t n) : p(at), left(n), bounded(n != kUnbounded) {}
     const uint8_t *p;
     size_t left;
+    bool bounded;  // the end is known, not merely far
 };
 
 // One record's read: its table, where it started, and where it logs.
@@ -358,7 +361,10 @@ struct Rec {
                 if constexpr (Item::kFixed > 0) {
                     // Items of words alone, the whole list there: one bounds test
                     // for all; from an item whose headers differ, the rules take over.
-                    if (rd.left / Item::kFixed >= n) {
+                    // Items are loaded whole before their headers are compared, so
+                    // only where the end is known: unbounded, the bytes after a
+                    // wrong header may not exist, and the rules stop at it.
+                    if (rd.bounded && rd.left / Item::kFixed >= n) {
                         const uint8_t *p = rd.p;
                         if constexpr (vectorPairs(f)) {
                             k = uint32_t(takePairs(rec + f.off, n, f.sub->firstTag, p));
@@ -444,5 +450,6 @@ constexpr Ops bareOps() {
     extern "C" INTFWIFIAP_API uint32_t intfWifiAp_##R##_unserialize(R *rec,                \
                                                                     const uint8_t **cursor) { \
         /* The caller vouches for its buffer, so no end limits the read. */                \
-        return OPS.read(rec, cursor, SIZE_MAX, ::wifiap::codec::ReadLog{});                \
+        return OPS.read(rec, cursor, ::wifiap::codec::kUnbounded,                          \
+                        ::wifiap::codec::ReadLog{});                                       \
     }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "codec_testing.h"
+#include "page_end.h"
 
 namespace {
 
@@ -48,6 +49,40 @@ TEST_P(RoundTrip, ComesBackEqualAndEveryPrefixIsRefused) {
         }
     }
 }
+// The exported readers take no end. Each word of an encoding changed in turn
+// (a tag's, a length's, a value's) and the bytes cut right after its element's
+// header: what the rules judge from those bytes alone, the exported reader
+// reads the same with an unreadable page after the last byte.
+TEST_P(RoundTrip, UnboundedReadsNoFurtherThanTheRules) {
+    const RecordApi &r = GetParam();
+    auto logged = [] {
+        std::string s;
+        for (const std::string &l : cap::texts()) s += l;
+        cap::reset();
+        return s;
+    };
+    auto rules = [&](void *o, const uint8_t **c, size_t left) { return r.ops->read(o, c, left, {}); };
+    std::mt19937 rng(77);
+    for (int round = 0; round < 2; ++round) {
+        auto src = blob(r.ops->bytes);
+        randomFill(r, src.get(), rng, 2);
+        Bytes body(r.lg(src.get()));
+        uint8_t *w = body.data();
+        ASSERT_EQ(r.ser(src.get(), &w), 0u);
+        int judged = 0;
+        for (size_t at = 0; at < body.size(); at += 4) {
+            Bytes bad(body.begin(), body.begin() + std::min(body.size(), at + 8));
+            bad[at] ^= 0x80;
+            std::string why;
+            const auto v = page_end::judge(r.ops->bytes, bad.data(), bad.size(), rules, r.unser,
+                                           logged, &why);
+            ASSERT_NE(v, page_end::Verdict::Differs) << "word at " << at << "\n" << why;
+            judged += v == page_end::Verdict::Same;
+        }
+        EXPECT_GT(judged, 0);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Codec, RoundTrip, testing::ValuesIn(records()),
                          [](const auto &i) { return std::string(i.param.name); });
 

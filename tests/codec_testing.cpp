@@ -15,17 +15,10 @@ using namespace wifiap::codec;
               [](void *r) { intfWifiAp_##R##_clean((R *)r); },                            \
               [](const void *r) { return intfWifiAp_##R##_serialize_lg((const R *)r); },  \
               [](const void *r, uint8_t **c) { return intfWifiAp_##R##_serialize((const R *)r, c); }, \
-              [](void *r, const uint8_t **c) { return intfWifiAp_##R##_unserialize((R *)r, c); }}
+              [](void *r, const uint8_t **c) { return intfWifiAp_##R##_unserialize((R *)r, c); }},
 
 const std::vector<RecordApi> &records() {
-    static const std::vector<RecordApi> all = {
-        CT_RECORD(wpsInfoIn, WpsInfoIn), CT_RECORD(wpsInfoOut, WpsInfoOut), CT_RECORD(conf, Conf),
-        CT_RECORD(rateStats, RateStats), CT_RECORD(assocDevInfo, AssocDevInfo),
-        CT_RECORD(assocDevList, AssocDevList), CT_RECORD(probeRequest, ProbeRequest),
-        CT_RECORD(perRateStats, PerRateStats), CT_RECORD(assocDevStats, AssocDevStats),
-        CT_RECORD(wpsStatusStruct, WpsStatusStruct), CT_RECORD(accountingParams, AccountingParams),
-        CT_RECORD(accountingResult, AccountingResult), CT_RECORD(assocDevStatus, AssocDevStatus),
-        CT_RECORD(assocDevInfoFull, AssocDevInfoFull), CT_RECORD(assocDevStatList, AssocDevStatList)};
+    static const std::vector<RecordApi> all = {WIFIAP_RECORDS(CT_RECORD)};
     return all;
 }
 

@@ -212,7 +212,7 @@ TEST_F(Frame, UnregisterCallbacksClearOnlyTheirFlag) {
 using FrameDeath = Frame;
 
 TEST_F(FrameDeath, WrongDescriptorMagicAborts) {
-    EXPECT_DEATH(
+    WIFIAP_EXPECT_DEATH(
         {
             intfWifiAp_base.magic = 0x1234;
             intfWifiAp_addBase();

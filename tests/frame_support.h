@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "capture.h"
+#include "death.h"
 #include "fake_framework.h"
 #include "intfWifiAp.h"
 #include "ism.h"

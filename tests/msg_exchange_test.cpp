@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "capture.h"
+#include "death.h"
 #include "fake_framework.h"
 #include "ism.h"
 #include "messages.h"
@@ -287,7 +288,7 @@ TEST_P(Msg, HoldWordAndMagic) {
         words[2] = 1;  // the hold word follows the 32-bit magic
         *static_cast<uint32_t *>(ctx) = 0x0BADBAD0;
         if (type == 0 && !m().ntfy)
-            EXPECT_DEATH(row().freeBody(type, ctx), cb("free", type) + check);
+            WIFIAP_EXPECT_DEATH(row().freeBody(type, ctx), cb("free", type) + check);
         else
             row().freeBody(type, ctx);
         *static_cast<uint32_t *>(ctx) = m().magic;
@@ -300,14 +301,14 @@ TEST_P(Msg, HoldWordAndMagic) {
     }
     uint32_t foreign[16] = {0x0BADBAD0}, n = 0;
     uint8_t *body = nullptr;
-    EXPECT_DEATH(row().serializeBody(0, foreign, &body, &n), cb("serialize", 0) + check);
-    EXPECT_DEATH(row().method(kMsg, foreign, m().method, 0),
+    WIFIAP_EXPECT_DEATH(row().serializeBody(0, foreign, &body, &n), cb("serialize", 0) + check);
+    WIFIAP_EXPECT_DEATH(row().method(kMsg, foreign, m().method, 0),
                  "intfWifiAp_recvReq_" + m().typedSfx() + check);
     if (!m().twoWay) return;
     row().freeBody(0, context(0));
     const Args a = fake::calls().back().args;
     void *record[2] = {reinterpret_cast<void *>(a[3]), nullptr};
-    EXPECT_DEATH(reinterpret_cast<ismResHandler_t>(a[2])(nullptr, record, foreign),
+    WIFIAP_EXPECT_DEATH(reinterpret_cast<ismResHandler_t>(a[2])(nullptr, record, foreign),
                  "intfWifiAp_recvRes_" + m().name + check);
 }
 

@@ -42,7 +42,7 @@ void record(int prio, const std::string &s) {
         ADD_FAILURE() << "log line without the prefix: " << s;
         return;
     }
-    g_lines.push_back({prio, l.name, l.text});
+    g_lines.push_back({prio, l.name, l.text, s});
 }
 }  // namespace
 
@@ -60,6 +60,15 @@ void reset() {
     g_allocs = 0;
     g_live = 0;
     g_lastFreed = 0;
+}
+
+Mark mark() { return {g_lines.size(), g_allocs, g_live, g_lastFreed}; }
+
+void rewind(const Mark &m) {
+    g_lines.resize(m.lines);
+    g_allocs = m.allocs;
+    g_live = m.live;
+    g_lastFreed = m.lastFreed;
 }
 
 void track(void *p) {

@@ -15,6 +15,7 @@ struct Line {
     int prio;
     std::string fn;    // the function name of the line's prefix
     std::string text;  // what follows "fn(line): ", line feed included
+    std::string raw;   // the whole line, as syslog would have it
 };
 
 inline void PrintTo(const Line &l, std::ostream *os) { *os << l.prio << " " << l.fn << ": " << l.text; }
@@ -25,6 +26,16 @@ const std::vector<Line> &lines();
 // "fn: text" per line, the form most tests compare against.
 std::vector<std::string> texts();
 void reset();
+
+// What the capture holds at a point, and a return to it: what a statement
+// did in a child process never reaches the parent.
+struct Mark {
+    size_t lines;
+    long allocs, live;
+    uint32_t lastFreed;
+};
+Mark mark();
+void rewind(const Mark &m);
 
 // printf into a std::string, for expected lines that carry pointers.
 std::string fmt(const char *f, ...) __attribute__((format(printf, 1, 2)));

@@ -1,0 +1,55 @@
+# How a cross target's programs (tests, the demo) run on this machine.
+# MIPS and ARM: qemu-user with the cross C library. i686: the cross C
+# library's loader where this kernel runs 32-bit x86 programs, qemu-i386 where
+# it does not (some x86-64 kernels are built or booted without that).
+# WIFIAP_I686_RUNNER forces either, so both can be tried on one machine.
+#
+# WIFIAP_RUNNER names the choice; WIFIAP_DEATH_IN_PLACE tells the suites to
+# run their death tests without fork(), which hangs under qemu-i386.
+if(NOT CMAKE_CROSSCOMPILING)
+  return()
+endif()
+set(sysroot /usr/${WIFIAP_TRIPLET})
+set(WIFIAP_DEATH_IN_PLACE OFF)
+if(WIFIAP_PROCESSOR STREQUAL "i686")
+  set(WIFIAP_I686_RUNNER auto CACHE STRING "How i686 programs run: auto, loader or qemu")
+  set_property(CACHE WIFIAP_I686_RUNNER PROPERTY STRINGS auto loader qemu)
+  set(loader ${sysroot}/lib/ld-linux.so.2)
+  set(runner ${WIFIAP_I686_RUNNER})
+  if(runner STREQUAL "auto")
+    # The loader is itself a 32-bit x86 program: if the kernel starts it, it
+    # starts the tests too.
+    execute_process(COMMAND ${loader} --version RESULT_VARIABLE rc OUTPUT_QUIET ERROR_QUIET)
+    if(rc EQUAL 0)
+      set(runner loader)
+      set(why "this kernel runs 32-bit x86 programs")
+    else()
+      set(runner qemu)
+      set(why "this kernel does not start ${loader}: ${rc}")
+    endif()
+  elseif(runner MATCHES "^(loader|qemu)$")
+    set(why "forced by WIFIAP_I686_RUNNER")
+  else()
+    message(FATAL_ERROR "WIFIAP_I686_RUNNER is auto, loader or qemu, not '${runner}'")
+  endif()
+  if(runner STREQUAL "loader")
+    set(CMAKE_CROSSCOMPILING_EMULATOR ${loader} --library-path ${sysroot}/lib)
+  else()
+    set(CMAKE_CROSSCOMPILING_EMULATOR qemu-i386 -L ${sysroot})
+    set(WIFIAP_DEATH_IN_PLACE ON)
+  endif()
+else()
+  set(runner qemu)
+  set(why "no other way on this machine")
+  set(CMAKE_CROSSCOMPILING_EMULATOR qemu-${WIFIAP_PROCESSOR} -L ${sysroot})
+endif()
+list(GET CMAKE_CROSSCOMPILING_EMULATOR 0 exe)
+if(NOT EXISTS ${exe})
+  find_program(found ${exe})
+  if(NOT found)
+    message(FATAL_ERROR "${exe} is missing: scripts/install-deps.sh installs it")
+  endif()
+endif()
+set(WIFIAP_RUNNER "${runner}: ${why}")
+message(STATUS "${WIFIAP_PROCESSOR} programs run through ${runner} (${why})")
+file(WRITE ${CMAKE_BINARY_DIR}/runner.txt "${WIFIAP_RUNNER}\n")
