@@ -34,6 +34,7 @@ public:
         if (mprotect(base_ + readable_, page, PROT_NONE) != 0) abort();
     }
     ~Region() { munmap(base_, size_); }
+    size_t capacity() const { return readable_; }
     Region(const Region &) = delete;
     Region &operator=(const Region &) = delete;
 
@@ -53,8 +54,12 @@ private:
 struct Outcome {
     uint32_t status;
     ptrdiff_t at;
-    std::string record, lines;  // the record as a hash
-    bool operator==(const Outcome &) const = default;
+    std::string_view record;
+    std::string lines;
+    bool operator==(const Outcome &o) const {
+        return status == o.status && at == o.at && record.size() == o.record.size() &&
+               memcmp(record.data(), o.record.data(), record.size()) == 0 && lines == o.lines;
+    }
 };
 
 inline std::string offsets(const std::string &lines, const uint8_t *in, size_t n) {
@@ -75,7 +80,7 @@ inline std::string offsets(const std::string &lines, const uint8_t *in, size_t n
     return out;
 }
 
-// read(record, &cursor, left) reads the input into `rec` (zeroed first);
+// read(record, &cursor, left) reads the input into `rec`, zeroed first;
 // logged() returns what was logged since its last call. `left` is the end the
 // read is given.
 template <class Read, class Logged>
@@ -85,8 +90,7 @@ Outcome run(std::string_view rec, const uint8_t *in, size_t n, size_t left, Read
     logged();
     memset(const_cast<char *>(rec.data()), 0, rec.size());
     const uint32_t st = read(const_cast<char *>(rec.data()), &c, left);
-    return {st, c - in, std::to_string(std::hash<std::string_view>()(rec)),
-            offsets(logged(), in, n)};
+    return {st, c - in, rec, offsets(logged(), in, n)};
 }
 
 // A refusal for a reason inside the bytes: a text that does not fit, or an
@@ -106,27 +110,37 @@ inline bool refusedInside(const Outcome &o) {
 enum class Verdict { EndMatters, Same, Differs };
 
 // bounded(record, &cursor, left) is the rules; unbounded(record, &cursor) the
-// exported reader. On Differs, `why` holds both outcomes.
+// exported reader. On Differs, `why` holds both outcomes. Where the rules
+// refuse for a reason inside, `refusedAt` gets the offset of the element.
 template <class Bounded, class Unbounded, class Logged>
 Verdict judge(size_t recordBytes, const uint8_t *in, size_t n, Bounded bounded,
-              Unbounded unbounded, Logged logged, std::string *why = nullptr) {
+              Unbounded unbounded, Logged logged, std::string *why = nullptr,
+              ptrdiff_t *refusedAt = nullptr) {
     // The same bytes followed by two different tails, read with the end after
     // the tail: if neither changes the outcome, the end did not cut an element.
     constexpr size_t kTail = 64;
     std::vector<uint8_t> buf(n + kTail);
-    std::unique_ptr<uint64_t[]> mem(new uint64_t[(recordBytes + 7) / 8]);
-    const std::string_view rec(reinterpret_cast<const char *>(mem.get()), recordBytes);
     if (n) memcpy(buf.data(), in, n);
-    const Outcome rules = run(rec, buf.data(), n, n, bounded, logged);
+    // Records kept from call to call, as the page is: fresh memory costs a
+    // fault a page. The rules' record, and the one each other read makes.
+    static std::vector<uint64_t> mine, other;
+    const size_t words = (recordBytes + 7) / 8;
+    if (mine.size() < words) mine.resize(words), other.resize(words);
+    auto view = [&](std::vector<uint64_t> &m) {
+        return std::string_view(reinterpret_cast<const char *>(m.data()), recordBytes);
+    };
+    const Outcome rules = run(view(mine), buf.data(), n, n, bounded, logged);
     if (!refusedInside(rules)) return Verdict::EndMatters;
+    if (refusedAt && rules.status != 0) *refusedAt = rules.at;
     for (uint8_t fill : {0x00, 0xFF}) {
         memset(buf.data() + n, fill, kTail);
-        if (!(run(rec, buf.data(), n, n + kTail, bounded, logged) == rules))
+        if (!(run(view(other), buf.data(), n, n + kTail, bounded, logged) == rules))
             return Verdict::EndMatters;
     }
-    Region region(n);
-    const uint8_t *at = region.place(in, n);
-    const Outcome got = run(rec, at, n, n, [&](void *r, const uint8_t **c, size_t) {
+    static std::unique_ptr<Region> region;
+    if (!region || region->capacity() < n) region = std::make_unique<Region>(n);
+    const uint8_t *at = region->place(in, n);
+    const Outcome got = run(view(other), at, n, n, [&](void *r, const uint8_t **c, size_t) {
         return unbounded(r, c);
     }, logged);
     if (got == rules) return Verdict::Same;
@@ -137,6 +151,20 @@ Verdict judge(size_t recordBytes, const uint8_t *in, size_t n, Bounded bounded,
         *why = head + rules.lines + "--\n" + got.lines;
     }
     return Verdict::Differs;
+}
+
+// The input, and where the rules refuse it for a reason inside, the input cut
+// right after the refused element's header (of a 32-bit or a 64-bit element):
+// what a reader loads past that header before checking it is then unreadable.
+template <class Bounded, class Unbounded, class Logged>
+Verdict judgeCuts(size_t recordBytes, const uint8_t *in, size_t n, Bounded bounded,
+                  Unbounded unbounded, Logged logged, std::string *why) {
+    ptrdiff_t at = -1;
+    Verdict v = judge(recordBytes, in, n, bounded, unbounded, logged, why, &at);
+    for (size_t header : {8, 16})
+        if (v != Verdict::Differs && at >= 0 && size_t(at) + header < n)
+            v = judge(recordBytes, in, size_t(at) + header, bounded, unbounded, logged, why);
+    return v == Verdict::Differs ? v : Verdict::Same;
 }
 
 }  // namespace page_end
