@@ -70,7 +70,8 @@ inline std::string offsets(const std::string &lines, const uint8_t *in, size_t n
             const uintptr_t v = strtoull(lines.c_str() + i, &end, 16);
             const uintptr_t b = reinterpret_cast<uintptr_t>(in);
             if (v >= b && v <= b + n) {
-                out += "@" + std::to_string(v - b);
+                out += '@';
+                out += std::to_string(v - b);
                 i = size_t(end - lines.c_str());
                 continue;
             }
