@@ -13,7 +13,7 @@ using ResultCb = intfWifiAp_resCb_result_t;
 using VoidMthd = intfWifiAp_mthd_void_t;
 
 template <class P>
-const P *request(const Desc &d, ismMsg_t msg, void *ctx, void *method) {
+const P *request(const Row &d, ismMsg_t msg, void *ctx, void *method) {
     return static_cast<const P *>(recvReq(d, msg, ctx, method));
 }
 

@@ -6,7 +6,7 @@
 
 namespace wifiap::msg {
 
-#define WIFIAP_CMD_DESC(N, s, U, version, Req, Res)                                            \
+#define WIFIAP_CMD_ROW(N, s, U, version, Req, Res)                                            \
     {#N,                                                                                        \
      #s,                                                                                        \
      #s,                                                                                        \
@@ -17,13 +17,13 @@ namespace wifiap::msg {
      false,                                                                                     \
      &codec::k##Req,                                                                            \
      codec::k##Res##Desc.count ? &codec::k##Res : nullptr},
-#define WIFIAP_NTFY_DESC(N, s, U, version, Payload, update)                                    \
+#define WIFIAP_NTFY_ROW(N, s, U, version, Payload, update)                                    \
     {#N,      #s,    "ntfy" #N, INTFWIFIAP_NTFY_##U, INTFWIFIAP_MAGIC_MSGNTFY_##U,             \
      "INTFWIFIAP_MAGIC_MSGNTFY_" #U, version, true, &codec::k##Payload, nullptr},
 #define WIFIAP_SKIP(...)
 
-constinit const Desc kCmds[] = {WIFIAP_MESSAGES(WIFIAP_CMD_DESC, WIFIAP_SKIP)};
-constinit const Desc kNtfys[] = {WIFIAP_MESSAGES(WIFIAP_SKIP, WIFIAP_NTFY_DESC)};
+constinit const Row kCmds[] = {WIFIAP_MESSAGES(WIFIAP_CMD_ROW, WIFIAP_SKIP)};
+constinit const Row kNtfys[] = {WIFIAP_MESSAGES(WIFIAP_SKIP, WIFIAP_NTFY_ROW)};
 
 namespace {
 
@@ -33,14 +33,14 @@ enum Side { kRequest, kResponse, kPlain };
 const char *const kCmdSide[] = {"msgCmdReq_", "msgCmdRes_", "msgCmd_"};
 const char *const kNtfySide[] = {"msgNtfyReq_", "msgNtfyRes_", "msgNtfy_"};
 
-Who cbWho(const Desc &d, const char *op, Side side) {
+Who cbWho(const Row &d, const char *op, Side side) {
     return Who{"intfWifiAp_cbEvtMsgMngt_", op, (d.ntfy ? kNtfySide : kCmdSide)[side], d.sfx};
 }
 
 // The side a body type selects. Unknown types and the response side of a
 // message that has none are logged here; `lf` is false for the free callback,
 // whose "unknown" line has no line feed.
-const codec::Ops *sideOf(const Desc &d, uint32_t type, const char *op, const char *noResponse,
+const codec::Ops *sideOf(const Row &d, uint32_t type, const char *op, const char *noResponse,
                          bool lf, Side *side) {
     if (type == INTFWIFIAP_BODY_REQUEST) {
         *side = kRequest;
@@ -61,7 +61,7 @@ const codec::Ops *sideOf(const Desc &d, uint32_t type, const char *op, const cha
 
 // A context about to be used: a null one is logged and skipped, a foreign one
 // is fatal.
-bool present(const Desc &d, void *ctx, const Who &who) {
+bool present(const Row &d, void *ctx, const Who &who) {
     if (!ctx) {
         WLOG_ERR(who, TXT_CTX_NULL, "");
         return false;
@@ -80,7 +80,7 @@ bool argsMissing(const codec::Ops &ops, Args args, const Who &who, const char *h
 }
 
 // A new zero-filled context with its magic and the sender's payload.
-void *newCtx(const Desc &d, const codec::Ops &ops, Args args, const Who &who) {
+void *newCtx(const Row &d, const codec::Ops &ops, Args args, const Who &who) {
     void *ctx = calloc(1, ops.ctxBytes);
     if (!ctx) {
         WLOG_ERR(who, TXT_ALLOC_CTX, "");
@@ -94,12 +94,15 @@ void *newCtx(const Desc &d, const codec::Ops &ops, Args args, const Who &who) {
     return ctx;
 }
 
-const intfWifiAp_desc &B() { return intfWifiAp_base; }
+// The framework's dispatch is keyed by the context's magic plus one: its own
+// convention, which keeps a dispatch key from ever being taken for a context's
+// magic (the row's index tells apart the messages that share a magic).
+uint32_t dispatchMagic(const Row &d) { return d.magic + 1; }
 
 }  // namespace
 
 [[gnu::noinline]]
-void freeBody(const Desc &d, uint32_t type, void *ctx) {
+void freeBody(const Row &d, uint32_t type, void *ctx) {
     Side side;
     const codec::Ops *ops =
         sideOf(d, type, "freeBody_", "No free body response process\n", false, &side);
@@ -119,7 +122,7 @@ void freeBody(const Desc &d, uint32_t type, void *ctx) {
 }
 
 [[gnu::noinline]]
-uint32_t serializeBody(const Desc &d, uint32_t type, void *ctx, uint8_t **body, uint32_t *len) {
+uint32_t serializeBody(const Row &d, uint32_t type, void *ctx, uint8_t **body, uint32_t *len) {
     Side side;
     const codec::Ops *ops =
         sideOf(d, type, "serializeBody_", "No Serialize response process\n", true, &side);
@@ -151,7 +154,7 @@ uint32_t serializeBody(const Desc &d, uint32_t type, void *ctx, uint8_t **body, 
 }
 
 [[gnu::noinline]]
-uint32_t unserializeBody(const Desc &d, uint32_t type, const uint8_t *body, void **out,
+uint32_t unserializeBody(const Row &d, uint32_t type, const uint8_t *body, void **out,
                          uint32_t *size) {
     Side side;
     const codec::Ops *ops =
@@ -178,7 +181,7 @@ uint32_t unserializeBody(const Desc &d, uint32_t type, const uint8_t *body, void
         // Records log their own lines; bare fields log as part of the body.
         rc = ops->read(static_cast<uint8_t *>(ctx) + ops->at, &cur,
                        received - static_cast<size_t>(cur - body),
-                       ops->name[0] ? codec::ReadLog{} : bodyLog);
+                       ops->desc->bare ? bodyLog : codec::ReadLog{});
     }
     if (rc != INTFWIFIAP_BODY_OK) {
         free(ctx);
@@ -191,7 +194,7 @@ uint32_t unserializeBody(const Desc &d, uint32_t type, const uint8_t *body, void
 }
 
 [[gnu::noinline]]
-void logBody(const Desc &d, char **text) {
+void logBody(const Row &d, char **text) {
     Who who = cbWho(d, "logBody_", kPlain);
     if (!text) {
         WLOG_ERR(who, "Invalid parameter\n");
@@ -207,7 +210,7 @@ void logBody(const Desc &d, char **text) {
 }
 
 [[gnu::noinline]]
-uint32_t sendReq(const Desc &d, ismResHandler_t handler, ismUser_t user, void *cb, uintptr_t ref,
+uint32_t sendReq(const Row &d, ismResHandler_t handler, ismUser_t user, void *cb, uintptr_t ref,
                  const char *bus, const char *name, Args args) {
     Who who{"intfWifiAp_sendReq_", d.typedSfx};
     if (!name) {
@@ -218,22 +221,22 @@ uint32_t sendReq(const Desc &d, ismResHandler_t handler, ismUser_t user, void *c
     void *ctx = newCtx(d, *d.req, args, who);
     if (!ctx) return 0;
     return ismCore_sendMsgReq_toNameUser(ismIntf_getCore_user(user), ctx, cb ? handler : nullptr,
-                                         cb, ref, bus, name, B().cmdHdr.num, d.index, ISM_ANY,
+                                         cb, ref, bus, name, intfWifiAp_base.cmdHdr.num, d.index, ISM_ANY,
                                          ISM_SEND_FLAGS);
 }
 
 [[gnu::noinline]]
-void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name, Args args) {
+void sendNtfy(const Row &d, ismUser_t user, const char *bus, const char *name, Args args) {
     Who who{"intfWifiAp_sendReq_", d.typedSfx};
     if (argsMissing(*d.req, args, who, "user", user)) return;
     void *ctx = newCtx(d, *d.req, args, who);
     if (!ctx) return;
-    ismIntf_sendReq_ntfy(user, ctx, nullptr, nullptr, 0, bus, name, B().name, B().ntfyHdr.num,
+    ismIntf_sendReq_ntfy(user, ctx, nullptr, nullptr, 0, bus, name, intfWifiAp_base.name, intfWifiAp_base.ntfyHdr.num,
                          d.index, 0, 0, ISM_SEND_FLAGS);
 }
 
 [[gnu::noinline]]
-void sendRes(const Desc &d, ismMsg_t msg, Args args) {
+void sendRes(const Row &d, ismMsg_t msg, Args args) {
     if (ismCore_isMsg_needRes(msg) != 0) return;
     Who who{"intfWifiAp_sendRes_", d.typedSfx};
     if (argsMissing(*d.res, args, who, "msg", msg)) return;
@@ -243,19 +246,19 @@ void sendRes(const Desc &d, ismMsg_t msg, Args args) {
 }
 
 [[gnu::noinline]]
-int32_t modSrvRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) {
-    int32_t rc = ismIntf_modSrv_mthd(user, v1, v2, v3, d.magic + 1, B().name, &B().cmdHdr,
-                                     &B().ntfyHdr, d.index, ISM_ANY, ISM_ANY);
+int32_t modSrvRecvMsg(const Row &d, ismUser_t user, void *v1, void *v2, void *v3) {
+    int32_t rc = ismIntf_modSrv_mthd(user, v1, v2, v3, dispatchMagic(d), intfWifiAp_base.name, &intfWifiAp_base.cmdHdr,
+                                     &intfWifiAp_base.ntfyHdr, d.index, ISM_ANY, ISM_ANY);
     const Who who{"intfWifiAp_modSrv_recvMsg_", d.sfx};
     if (rc != 0) WLOG_ERR(who, "user(%p): ModCliNtfyUser failed(%d)\n", user, rc);
     return rc;
 }
 
 [[gnu::noinline]]
-int32_t modCliNtfyRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3,
+int32_t modCliNtfyRecvMsg(const Row &d, ismUser_t user, void *v1, void *v2, void *v3,
                           const char *bus, const char *name) {
-    int32_t rc = ismIntf_modCliNtfyUser_mthd(user, v1, v2, v3, d.magic + 1, bus, name, B().name,
-                                             &B().cmdHdr, &B().ntfyHdr, d.index);
+    int32_t rc = ismIntf_modCliNtfyUser_mthd(user, v1, v2, v3, dispatchMagic(d), bus, name, intfWifiAp_base.name,
+                                             &intfWifiAp_base.cmdHdr, &intfWifiAp_base.ntfyHdr, d.index);
     const Who who{"intfWifiAp_modCliNtfyUser_recvMsg_", d.sfx};
     if (rc != 0)
         WLOG_ERR(who, "user(%p) bus name(%s) user name(%p): ModCliNtfyUser\n", user,
@@ -264,16 +267,16 @@ int32_t modCliNtfyRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, voi
 }
 
 [[gnu::noinline]]
-int32_t needUpdate(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3) {
-    int32_t rc = ismIntf_modSrv_ntfy_needUpdate(user, v1, v2, v3, B().name, &B().cmdHdr,
-                                                &B().ntfyHdr, d.index);
+int32_t needUpdate(const Row &d, ismUser_t user, void *v1, void *v2, void *v3) {
+    int32_t rc = ismIntf_modSrv_ntfy_needUpdate(user, v1, v2, v3, intfWifiAp_base.name, &intfWifiAp_base.cmdHdr,
+                                                &intfWifiAp_base.ntfyHdr, d.index);
     const Who who{"intfWifiAp_modSrv_needUpdate_", d.typedSfx};
     if (rc != 0) WLOG_ERR(who, "user(%p): ModSrv failed(%d)\n", user, rc);
     return rc;
 }
 
 [[gnu::noinline]]
-const void *recvReq(const Desc &d, ismMsg_t msg, void *ctx, void *method) {
+const void *recvReq(const Row &d, ismMsg_t msg, void *ctx, void *method) {
     if (!present(d, ctx, Who{"intfWifiAp_recvReq_", d.typedSfx})) return nullptr;
     if (!method) {
         ismCore_sendMsgRes(msg, ctx, ISM_STATUS_NO_HANDLER, ISM_SEND_FLAGS);
@@ -283,7 +286,7 @@ const void *recvReq(const Desc &d, ismMsg_t msg, void *ctx, void *method) {
 }
 
 [[gnu::noinline]]
-Answer recvRes(const Desc &d, ismMsg_t msg, void *ctx) {
+Answer recvRes(const Row &d, ismMsg_t msg, void *ctx) {
     if (!present(d, ctx, Who{"intfWifiAp_recvRes_", d.sfx})) return {};
     // The framework's record of the message opens with the client's callback
     // and reference, as given to the request.

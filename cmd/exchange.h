@@ -12,7 +12,7 @@
 
 namespace wifiap::msg {
 
-struct Desc {
+struct Row {
     const char *name;      // the row's name: "Configure"
     const char *sfx;       // callback suffix: "configure", "wpsStatus"
     const char *typedSfx;  // sendReq/recvReq suffix: "configure", "ntfyWpsStatus"
@@ -28,35 +28,35 @@ struct Desc {
 };
 
 // The rows of the two tables, in index order.
-extern const Desc kCmds[INTFWIFIAP_CMD_COUNT];
-extern const Desc kNtfys[INTFWIFIAP_NTFY_COUNT];
+extern const Row kCmds[INTFWIFIAP_CMD_COUNT];
+extern const Row kNtfys[INTFWIFIAP_NTFY_COUNT];
 
 // What the sender passed for the payload: a record's address, or one address
 // per bare field. Read only once the early tests have passed.
 using Args = std::initializer_list<const void *>;
 
 // Body callbacks.
-void freeBody(const Desc &d, uint32_t type, void *ctx);
-uint32_t serializeBody(const Desc &d, uint32_t type, void *ctx, uint8_t **body, uint32_t *len);
-uint32_t unserializeBody(const Desc &d, uint32_t type, const uint8_t *body, void **ctx,
+void freeBody(const Row &d, uint32_t type, void *ctx);
+uint32_t serializeBody(const Row &d, uint32_t type, void *ctx, uint8_t **body, uint32_t *len);
+uint32_t unserializeBody(const Row &d, uint32_t type, const uint8_t *body, void **ctx,
                          uint32_t *size);
-void logBody(const Desc &d, char **text);
+void logBody(const Row &d, char **text);
 
 // Client: a request (two-way when cb is given), or a notification from the server.
-uint32_t sendReq(const Desc &d, ismResHandler_t handler, ismUser_t user, void *cb, uintptr_t ref,
+uint32_t sendReq(const Row &d, ismResHandler_t handler, ismUser_t user, void *cb, uintptr_t ref,
                  const char *bus, const char *name, Args args);
-void sendNtfy(const Desc &d, ismUser_t user, const char *bus, const char *name, Args args);
+void sendNtfy(const Row &d, ismUser_t user, const char *bus, const char *name, Args args);
 // Server: the response to `msg`, unless the framework needs none.
-void sendRes(const Desc &d, ismMsg_t msg, Args args);
+void sendRes(const Row &d, ismMsg_t msg, Args args);
 
-int32_t modSrvRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3);
-int32_t modCliNtfyRecvMsg(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3,
+int32_t modSrvRecvMsg(const Row &d, ismUser_t user, void *v1, void *v2, void *v3);
+int32_t modCliNtfyRecvMsg(const Row &d, ismUser_t user, void *v1, void *v2, void *v3,
                           const char *bus, const char *name);
-int32_t needUpdate(const Desc &d, ismUser_t user, void *v1, void *v2, void *v3);
+int32_t needUpdate(const Row &d, ismUser_t user, void *v1, void *v2, void *v3);
 
 // Checks a received request or notification context; returns its payload when
 // the method is to be called, null when the context was null or handed back.
-const void *recvReq(const Desc &d, ismMsg_t msg, void *ctx, void *method);
+const void *recvReq(const Row &d, ismMsg_t msg, void *ctx, void *method);
 
 // Checks a response context; returns its payload and the client's callback and
 // reference when the callback is to be called.
@@ -65,7 +65,7 @@ struct Answer {
     void *cb;
     uintptr_t ref;
 };
-Answer recvRes(const Desc &d, ismMsg_t msg, void *ctx);
+Answer recvRes(const Row &d, ismMsg_t msg, void *ctx);
 
 // A method or callback as the framework carries it, and back to its type.
 template <typename F>

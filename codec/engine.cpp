@@ -4,24 +4,27 @@ namespace wifiap::codec {
 
 namespace {
 
-struct Where {
+// Who a refusal's lines name and the address they give: a bare payload and
+// the body header log as the body; a record as itself, from its own start.
+struct LineOf {
     Who who;
     const void *pBody;
 };
 
-// Bare payloads and the body header log as the body; a record as itself.
-Where where(const Desc &d, const uint8_t *start, const ReadLog *log) {
-    Where w{Who{"intfWifiAp_", d.name, "_unserialize"}, start};
-    if (log && log->who) w.who = *log->who;
-    if (log && log->pBody) w.pBody = log->pBody;
-    return w;
+LineOf lineOf(const LogSink &s) {
+    LineOf l{Who{"intfWifiAp_", s.d->name, "_unserialize"}, s.start};
+    if (s.log && s.log->who) l.who = *s.log->who;
+    if (s.log && s.log->pBody) l.pBody = s.log->pBody;
+    return l;
 }
 
 // The fields after `idx` that would have had an element are named as not read.
-void errorBefore(const Desc &d, uint32_t idx, const Where &w) {
+bool errorBefore(const LogSink &s, uint32_t idx, const LineOf &l) {
+    const Desc &d = *s.d;
     for (uint32_t i = idx + 1; i < d.count; ++i)
         if (hasElement(d.fields[i].kind))
-            WLOG_ERR(w.who, TXT_ERROR_BEFORE, w.pBody, int(d.firstTag + i));
+            WLOG_ERR(l.who, TXT_ERROR_BEFORE, l.pBody, int(d.firstTag + i));
+    return false;
 }
 
 // n bytes at p + at as a big-endian number, the bytes past the end taken as 0.
@@ -29,12 +32,6 @@ uint64_t peek(const uint8_t *p, size_t left, size_t at, size_t n) {
     uint64_t v = 0;
     for (size_t i = 0; i < n; ++i) v = v << 8 | (at + i < left ? p[at + i] : 0);
     return v;
-}
-
-uint32_t items(const uint8_t *rec, const Field &f) {
-    uint32_t n;
-    memcpy(&n, rec + f.countOff, sizeof n);
-    return n < f.cap ? n : f.cap;
 }
 
 // Bounded text copy into a field of `cap` bytes: strncpy, then the last byte
@@ -48,36 +45,32 @@ size_t width(Kind k) { return k == Kind::U8 || k == Kind::S8 ? 1 : k == Kind::S1
 
 }  // namespace
 
-bool failElement(const ReadOf &r, uint32_t idx, const uint8_t *p, size_t left) {
-    const Desc &d = r.d;
-    Where w = where(d, r.start, r.log);
-    unsigned expected = d.firstTag + idx;
-    if (d.fields[idx].kind == Kind::U64)
-        WLOG_ERR(w.who, TXT_TL64, w.pBody, (unsigned long long)peek(p, left, 0, 8),
+bool LogSink::refuse(uint32_t idx, const Reader &rd) const {
+    const LineOf l = lineOf(*this);
+    const uint8_t *p = rd.p;
+    const size_t left = rd.left;
+    unsigned expected = d->firstTag + idx;
+    if (d->fields[idx].kind == Kind::U64)
+        WLOG_ERR(l.who, TXT_TL64, l.pBody, (unsigned long long)peek(p, left, 0, 8),
                  (unsigned long long)peek(p, left, 8, 8), expected);
     else
-        WLOG_ERR(w.who, TXT_TL, w.pBody, unsigned(peek(p, left, 0, 4)),
+        WLOG_ERR(l.who, TXT_TL, l.pBody, unsigned(peek(p, left, 0, 4)),
                  unsigned(peek(p, left, 4, 4)), expected);
-    errorBefore(d, idx, w);
-    return false;
+    return errorBefore(*this, idx, l);
 }
 
-bool failText(const ReadOf &r, uint32_t idx, const uint8_t *p) {
+bool LogSink::refuseText(uint32_t idx, const uint8_t *p) const {
     // The text is what precedes the element's first NUL, or the whole value
     // when it holds none; it would have fit in neither more than the field
     // nor more than the element.
-    const size_t cap = r.d.fields[idx].cap, len = get32(p + 4);
+    const size_t cap = d->fields[idx].cap, len = get32(p + 4);
     const size_t chainIn = strnlen(reinterpret_cast<const char *>(p + 8), len) + 1;
-    Where w = where(r.d, r.start, r.log);
-    WLOG_ERR(w.who, TXT_CHAIN, int(chainIn), int(len < cap ? len : cap));
-    errorBefore(r.d, idx, w);
-    return false;
+    const LineOf l = lineOf(*this);
+    WLOG_ERR(l.who, TXT_CHAIN, int(chainIn), int(len < cap ? len : cap));
+    return errorBefore(*this, idx, l);
 }
 
-bool failAfter(const ReadOf &r, uint32_t idx) {
-    errorBefore(r.d, idx, where(r.d, r.start, r.log));
-    return false;
-}
+bool LogSink::refuseAfter(uint32_t idx) const { return errorBefore(*this, idx, lineOf(*this)); }
 
 uint32_t walkSize(const Desc &d, const uint8_t *rec) {
     uint32_t sum = 0;
@@ -108,23 +101,6 @@ uint8_t *walkWrite(const Desc &d, const uint8_t *rec, uint8_t *p) {
         }
     }
     return p;
-}
-
-uint32_t walkRead(const Desc &d, uint8_t *rec, Reader &rd, const ReadLog *log) {
-    const ReadOf r{d, rd.p, log};
-    for (uint32_t i = 0; i < d.count; ++i) {
-        const Field &f = d.fields[i];
-        if (hasElement(f.kind)) {
-            if (!readLeaf<true>(&r, i, f, d.firstTag + i, rec, rd))
-                return INTFWIFIAP_STATUS_ENCODING;
-            continue;
-        }
-        const uint32_t n = f.kind == Kind::Nested ? 1 : items(rec, f);
-        for (uint32_t k = 0; k < n; ++k)
-            if (walkRead(*f.sub, rec + f.off + k * f.stride, rd, nullptr))
-                return failAfter(r, i), INTFWIFIAP_STATUS_ENCODING;
-    }
-    return INTFWIFIAP_STATUS_OK;
 }
 
 uint32_t walkCopy(const Desc &d, uint8_t *dst, const uint8_t *src) {
@@ -165,7 +141,7 @@ uint8_t *tableWrite(const Desc &d, const void *rec, uint8_t *cursor) {
 uint32_t tableRead(const Desc &d, void *rec, const uint8_t **cursor, size_t left,
                    const ReadLog &log) {
     Reader rd{*cursor, left};
-    uint32_t st = walkRead(d, static_cast<uint8_t *>(rec), rd, &log);
+    uint32_t st = walkReadWith(d, static_cast<uint8_t *>(rec), rd, LogSink{&log});
     *cursor = rd.p;
     return st;
 }
@@ -183,14 +159,14 @@ void Ops::clean(void *rec) const { walkClean(*desc, static_cast<uint8_t *>(rec))
 
 // A record comes as one address; bare fields as one each.
 const char *Ops::missing(const void *const *args) const {
-    if (*name) return args[0] ? nullptr : name;
+    if (!desc->bare) return args[0] ? nullptr : name;
     for (uint32_t i = 0; i < desc->count; ++i)
         if (!args[i]) return desc->fields[i].name;
     return nullptr;
 }
 
 uint32_t Ops::fill(void *payload, const void *const *args) const {
-    if (*name) return copy(payload, args[0]);
+    if (!desc->bare) return copy(payload, args[0]);
     for (uint32_t i = 0; i < desc->count; ++i) {
         const Field &f = desc->fields[i];
         auto *at = static_cast<uint8_t *>(payload) + f.off;

@@ -35,6 +35,7 @@ struct Desc {
     const Field *fields;
     uint32_t count;
     uint32_t firstTag;
+    bool bare;  // fields in place in a message context, logged as its body's
 };
 
 template <class T>
@@ -67,10 +68,15 @@ constexpr Field intField(const char *name, uint32_t off) {
 void fieldsOutOfDeclarationOrder();
 
 template <size_t N>
-consteval Desc makeDesc(const char *name, const Field (&fields)[N], uint32_t firstTag = 3) {
+consteval Desc makeDesc(const char *name, const Field (&fields)[N], uint32_t firstTag = 3,
+                        bool bare = false) {
     for (size_t i = 1; i < N; ++i)
         if (fields[i].off <= fields[i - 1].off) fieldsOutOfDeclarationOrder();
-    return Desc{name, fields, N, firstTag};
+    return Desc{name, fields, N, firstTag, bare};
+}
+template <size_t N>
+consteval Desc makeBare(const Field (&fields)[N], uint32_t firstTag = 3) {
+    return makeDesc("", fields, firstTag, true);
 }
 
 constexpr bool isScalar(Kind k) { return k <= Kind::U32; }
@@ -95,19 +101,33 @@ struct Reader {
     bool bounded;  // the end is known, not merely far
 };
 
-// One record's read: its table, where it started, and where it logs.
-struct ReadOf {
-    const Desc &d;
-    const uint8_t *start;
-    const ReadLog *log;
+// What a read tells as it goes, one type per reader. A sink is told of each
+// refusal (and returns false for it), of each element read, and of each nested
+// record or list item before it is read; it says whether an element whose
+// header is not exactly its field's may still be taken. The library's walker
+// logs refusals with the rules' lines (LogSink); the compiled reader says
+// nothing and takes exact headers only (Silent), leaving the rest to the
+// walker; the decoder describes every element with the same walk.
+struct LogSink {
+    static constexpr bool kExactOnly = false;
+    const ReadLog *log;  // null: a nested record or item, which logs as itself
+    const Desc *d = nullptr;
+    const uint8_t *start = nullptr;  // where the record's read began
+
+    void begin(const Desc &desc, const uint8_t *at) { d = &desc, start = at; }
+    bool refuse(uint32_t idx, const Reader &rd) const;
+    bool refuseText(uint32_t idx, const uint8_t *p) const;
+    bool refuseAfter(uint32_t idx) const;
+    void leaf(uint32_t, const uint8_t *, const uint8_t *) const {}
+    LogSink inner(uint32_t, uint32_t, uint32_t) const { return LogSink{nullptr}; }
+    void listed(uint32_t, uint32_t) const {}
 };
 
-// Failure paths, shared by both drivers. Each logs the reason (if the field
-// has one of its own) and the "Error Before" lines of the fields after `idx`,
-// and returns false. Few plain arguments: a call of one stands at every field.
-[[gnu::cold]] bool failElement(const ReadOf &r, uint32_t idx, const uint8_t *p, size_t left);
-[[gnu::cold]] bool failText(const ReadOf &r, uint32_t idx, const uint8_t *p);
-[[gnu::cold]] bool failAfter(const ReadOf &r, uint32_t idx);
+struct Silent {
+    static constexpr bool kExactOnly = true;
+    bool refuse(uint32_t, const Reader &) const { return false; }
+    bool refuseText(uint32_t, const uint8_t *) const { return false; }
+};
 
 // ---- The rules of the leaf fields: integers and texts. Forced inline, so that
 // with a constant field they compile to its straight code.
@@ -170,25 +190,22 @@ struct ReadOf {
     return p + 8 + len;
 }
 
-// Reads the element of a leaf field at the cursor; on failure returns false,
-// the cursor at the element, and with Log logs it as field `idx` of the record.
-// Without Log (the compiled reader), an element whose header is not exactly
-// its field's is a failure too: the walker, reading again, takes it.
-template <bool Log>
-[[gnu::always_inline]] inline bool readLeaf(const ReadOf *r, uint32_t idx, const Field &f,
-                                            uint32_t tag, uint8_t *rec, Reader &rd) {
+// Reads the element of a leaf field at the cursor; on failure returns what
+// the sink's refusal returns (false), the cursor at the element.
+template <class Sink>
+[[gnu::always_inline]] inline bool readLeaf(Sink &s, uint32_t idx, const Field &f, uint32_t tag,
+                                            uint8_t *rec, Reader &rd) {
     // Elements nearly always carry the length their field needs: that case is
     // one compare of the whole header and a constant step, so the next
     // element's address does not wait for this one's length to load.
     if (isScalar(f.kind)) {
         if (rd.left < kScalarSize) [[unlikely]]
-            return Log && failElement(*r, idx, rd.p, rd.left);
+            return s.refuse(idx, rd);
         size_t step = kScalarSize;
         if (load64(rd.p) != be64(uint64_t(tag) << 32 | 4)) [[unlikely]] {
-            if constexpr (!Log) return false;
+            if constexpr (Sink::kExactOnly) return false;
             uint32_t len = get32(rd.p + 4);
-            if (get32(rd.p) != tag || len > rd.left - 8)
-                return Log && failElement(*r, idx, rd.p, rd.left);
+            if (get32(rd.p) != tag || len > rd.left - 8) return s.refuse(idx, rd);
             step = 8 + size_t(len);
         }
         narrow(f.kind, rec + f.off, get32(rd.p + 8));  // the first 4 bytes, whatever the length
@@ -196,14 +213,13 @@ template <bool Log>
         rd.left -= step;
     } else if (f.kind == Kind::U64) {
         if (rd.left < kWideSize) [[unlikely]]
-            return Log && failElement(*r, idx, rd.p, rd.left);
+            return s.refuse(idx, rd);
         size_t step = kWideSize;
         if (load64(rd.p) != be64(tag) || load64(rd.p + 8) != be64(8)) [[unlikely]] {
-            if constexpr (!Log) return false;
+            if constexpr (Sink::kExactOnly) return false;
             // The whole 64-bit tag must match; only the low half of the length counts.
             uint32_t len = uint32_t(get64(rd.p + 8));
-            if (get64(rd.p) != tag || len > rd.left - 16)
-                return Log && failElement(*r, idx, rd.p, rd.left);
+            if (get64(rd.p) != tag || len > rd.left - 16) return s.refuse(idx, rd);
             step = 16 + size_t(len);
         }
         uint64_t v = get64(rd.p + 16);
@@ -212,16 +228,16 @@ template <bool Log>
         rd.left -= step;
     } else {
         if (rd.left < 8) [[unlikely]]
-            return Log && failElement(*r, idx, rd.p, rd.left);
+            return s.refuse(idx, rd);
         uint32_t len = get32(rd.p + 4);
         if (get32(rd.p) != tag || len > rd.left - 8) [[unlikely]]
-            return Log && failElement(*r, idx, rd.p, rd.left);
+            return s.refuse(idx, rd);
         // The NUL must lie inside the element and the field.
         const char *v = reinterpret_cast<const char *>(rd.p + 8);
         size_t limit = len < f.cap ? len : f.cap;
         size_t n = strnlen(v, limit);
         if (n == limit) [[unlikely]]
-            return Log && failText(*r, idx, rd.p);
+            return s.refuseText(idx, rd.p);
         memcpy(rec + f.off, v, n + 1);
         rd.p += 8 + size_t(len);
         rd.left -= 8 + size_t(len);
@@ -229,12 +245,38 @@ template <bool Log>
     return true;
 }
 
+inline uint32_t items(const uint8_t *rec, const Field &f) {
+    uint32_t n;
+    memcpy(&n, rec + f.countOff, sizeof n);
+    return n < f.cap ? n : f.cap;
+}
+
+// The rules applied to a table, field by field: 0, or 4 once a field failed
+// (the sink told, the cursor at the failure).
+template <class Sink>
+uint32_t walkReadWith(const Desc &d, uint8_t *rec, Reader &rd, Sink s) {
+    s.begin(d, rd.p);
+    for (uint32_t i = 0; i < d.count; ++i) {
+        const Field &f = d.fields[i];
+        if (hasElement(f.kind)) {
+            const uint8_t *at = rd.p;
+            if (!readLeaf(s, i, f, d.firstTag + i, rec, rd)) return INTFWIFIAP_STATUS_ENCODING;
+            s.leaf(i, at, rec);
+            continue;
+        }
+        const uint32_t n = f.kind == Kind::Nested ? 1 : items(rec, f);
+        for (uint32_t k = 0; k < n; ++k)
+            if (walkReadWith(*f.sub, rec + f.off + k * f.stride, rd, s.inner(i, k, n)))
+                return s.refuseAfter(i), INTFWIFIAP_STATUS_ENCODING;
+        s.listed(i, n);
+    }
+    return INTFWIFIAP_STATUS_OK;
+}
+
 // ---- The table walker: every record, one loop.
 
 uint32_t walkSize(const Desc &d, const uint8_t *rec);
 uint8_t *walkWrite(const Desc &d, const uint8_t *rec, uint8_t *p);
-// 0, or 4 once a field failed (logged, cursor at the failure).
-uint32_t walkRead(const Desc &d, uint8_t *rec, Reader &rd, const ReadLog *log);
 uint32_t walkCopy(const Desc &d, uint8_t *dst, const uint8_t *src);
 void walkClean(const Desc &d, uint8_t *rec);
 
@@ -277,12 +319,6 @@ struct Rec {
         return [&]<size_t... I>(std::index_sequence<I...>) __attribute__((always_inline)) {
             return (fn(std::integral_constant<size_t, I>{}) && ...);
         }(std::make_index_sequence<kCount>{});
-    }
-
-    static uint32_t items(const uint8_t *rec, const Field &f) {
-        uint32_t n;
-        memcpy(&n, rec + f.countOff, sizeof n);
-        return n < f.cap ? n : f.cap;
     }
 
     static uint32_t size(const uint8_t *rec) {
@@ -349,10 +385,11 @@ struct Rec {
     // the record again, to log and stop where the rules say.
     static bool read(uint8_t *rec, Reader &at) {
         Reader rd = at;  // a local the stores into `rec` cannot alias
+        Silent quiet;
         bool ok = all([&](auto i) __attribute__((always_inline)) {
             constexpr Field f = kF<i>;
             if constexpr (hasElement(f.kind)) {
-                return readLeaf<false>(nullptr, i, f, kTag<i>, rec, rd);
+                return readLeaf(quiet, i, f, kTag<i>, rec, rd);
             } else if constexpr (f.kind == Kind::Nested) {
                 return Rec<f.sub>::read(rec + f.off, rd);
             } else {

@@ -154,46 +154,46 @@ inline constexpr Field kCreateReqFields[] = {
     WF_TEXT(CreateReq, text1),
     WF_TEXT(CreateReq, text2),
 };
-inline constexpr Desc kCreateReqDesc = makeDesc("", kCreateReqFields);
+inline constexpr Desc kCreateReqDesc = makeBare(kCreateReqFields);
 
 inline constexpr Field kCreateResFields[] = {
     WF_TEXT(CreateRes, text1),
     WF_TEXT(CreateRes, text2),
     WF_INT(CreateRes, result),
 };
-inline constexpr Desc kCreateResDesc = makeDesc("", kCreateResFields);
+inline constexpr Desc kCreateResDesc = makeBare(kCreateResFields);
 
 inline constexpr Field kBridgeAndIpsFields[] = {
     WF_TEXT(BridgeAndIps, bridge),
     WF_TEXT(BridgeAndIps, ips),
 };
-inline constexpr Desc kBridgeAndIpsDesc = makeDesc("", kBridgeAndIpsFields);
+inline constexpr Desc kBridgeAndIpsDesc = makeBare(kBridgeAndIpsFields);
 
 inline constexpr Field kIpsFields[] = {
     WF_TEXT(Ips, ips),
 };
-inline constexpr Desc kIpsDesc = makeDesc("", kIpsFields);
+inline constexpr Desc kIpsDesc = makeBare(kIpsFields);
 
 inline constexpr Field kSsidTextFields[] = {
     WF_TEXT(SsidText, text),
 };
-inline constexpr Desc kSsidTextDesc = makeDesc("", kSsidTextFields);
+inline constexpr Desc kSsidTextDesc = makeBare(kSsidTextFields);
 
 inline constexpr Field kResultFields[] = {
     WF_INT(Result, result),
 };
-inline constexpr Desc kResultDesc = makeDesc("", kResultFields);
+inline constexpr Desc kResultDesc = makeBare(kResultFields);
 
 inline constexpr Field kEncStatusFields[] = {
     WF_INT(EncStatus, encStatus),
 };
-inline constexpr Desc kEncStatusDesc = makeDesc("", kEncStatusFields);
+inline constexpr Desc kEncStatusDesc = makeBare(kEncStatusFields);
 
 // A body of header elements alone.
-inline constexpr Desc kNoneDesc = {"", nullptr, 0, 3};
+inline constexpr Desc kNoneDesc = {"", nullptr, 0, 3, true};
 
 // The body header: tag 0 the magic, tag 1 the version.
 inline constexpr Field kHeaderFields[] = {WF_INT(Header, magic), WF_INT(Header, version)};
-inline constexpr Desc kHeaderDesc = makeDesc("", kHeaderFields, 0);
+inline constexpr Desc kHeaderDesc = makeBare(kHeaderFields, 0);
 
 }  // namespace wifiap::codec

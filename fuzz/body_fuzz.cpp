@@ -100,7 +100,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     }
     // The record readers: a message's payload record after the body's header,
     // or (body type 2, which no message has) any record, chosen by the first byte.
-    const wifiap::msg::Desc &d = row < INTFWIFIAP_CMD_COUNT
+    const wifiap::msg::Row &d = row < INTFWIFIAP_CMD_COUNT
                                      ? wifiap::msg::kCmds[row]
                                      : wifiap::msg::kNtfys[row - INTFWIFIAP_CMD_COUNT];
     const wifiap::codec::Ops *payload = type == 0 ? d.req : type == 1 ? d.res : nullptr;

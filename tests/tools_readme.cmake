@@ -1,4 +1,4 @@
-# The README's C host is tools/example_host.c, word for word.
+# The README's C host is tools/examples/example_host.c, word for word.
 file(READ ${README} readme)
 file(READ ${EXAMPLE} example)
 string(FIND "${readme}" "```c\n${example}```" at)

@@ -8,8 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include "capture.h"
+#include "text_capture.h"
 #include "check.h"
+#include "access_point.h"
 #include "decode_cli.h"
 #include "wps_pin.h"
 
@@ -133,6 +134,52 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(WpsPin, ChecksumDigitOfKnownPins) {
     for (uint32_t pin : {12345670u, 0u, 87654325u, 11111115u}) EXPECT_TRUE(wpsPinValid(pin)) << pin;
     for (uint32_t pin : {12345671u, 87654320u, 100000000u}) EXPECT_FALSE(wpsPinValid(pin)) << pin;
+}
+
+// The simulated access point's WPS state machine: each command from each
+// state, and a WpsStatus published for a change and for nothing else.
+enum class Wps { Pin, Button, OtherMethod, Physical, Toggle, Stop, Enroll };
+
+uint32_t apply(AccessPoint &ap, Wps a) {  // the walk time a start answers, else 0
+    switch (a) {
+    case Wps::Pin:
+    case Wps::Button:
+    case Wps::OtherMethod: return ap.startWps({uint32_t(a)}).value;  // the method's number
+    case Wps::Physical: return ap.startPhysicalWps({0}).value;
+    case Wps::Toggle: ap.toggleWps(); return 0;
+    case Wps::Stop: ap.stopWps(); return 0;
+    case Wps::Enroll: ap.wpsEnrolled("02:5a:00:00:00:09"); return 0;
+    }
+    return 0;
+}
+
+TEST(AccessPoint, WpsTransitions) {
+    const std::vector<Wps> idle, disabled{Wps::Toggle}, running{Wps::Pin};
+    struct Row {
+        std::vector<Wps> before;
+        Wps action;
+        WpsState after;
+        uint32_t walkTime;
+    } rows[] = {
+        {idle, Wps::Pin, kWpsRunning, 120},          {idle, Wps::Button, kWpsRunning, 120},
+        {idle, Wps::OtherMethod, kWpsIdle, 120},     {idle, Wps::Physical, kWpsRunning, 120},
+        {disabled, Wps::Pin, kWpsDisabled, 0},       {disabled, Wps::Physical, kWpsDisabled, 0},
+        {disabled, Wps::Toggle, kWpsIdle, 0},        {running, Wps::Toggle, kWpsDisabled, 0},
+        {running, Wps::Stop, kWpsIdle, 0},           {idle, Wps::Stop, kWpsIdle, 0},
+        {running, Wps::Enroll, kWpsSuccess, 0},      {idle, Wps::Enroll, kWpsIdle, 0},
+    };
+    for (const Row &r : rows) {
+        SCOPED_TRACE(::testing::Message() << "row " << &r - rows);
+        AccessPoint ap;
+        for (Wps a : r.before) apply(ap, a);
+        const WpsState before = ap.wps();
+        ap.takeEvents();
+        EXPECT_EQ(apply(ap, r.action), r.walkTime);
+        EXPECT_EQ(ap.wps(), r.after);
+        const std::vector<Event> events = ap.takeEvents();
+        ASSERT_EQ(events.size(), r.after == before ? 0u : 1u);
+        for (const Event &e : events) EXPECT_EQ(std::get<wpsStatusStruct>(e).value, r.after);
+    }
 }
 
 }  // namespace

@@ -52,6 +52,17 @@ struct Style {
 // False when the bytes do not have that shape: the text then says where.
 bool decode(std::string &out, const Message &m, uint32_t bodyType, const uint8_t *body,
             size_t length, const Style &style = {});
+// Where each element of a body lies, as the library's walk finds them, in
+// order; the walk stops where the library's does.
+struct Element {
+    size_t at;        // offset of its header in the body
+    uint32_t header;  // 8, or 16 for a 64-bit element
+    uint32_t length;  // its stated length (the low half of a 64-bit one)
+    bool text;
+    uint32_t capacity;  // a text's field, NUL included
+};
+std::vector<Element> elements(const Message &m, uint32_t bodyType, const uint8_t *body,
+                              size_t length);
 // Appends a walk of elements whose message is unknown: tag, length, value.
 bool walk(std::string &out, const uint8_t *body, size_t length, const Style &style = {});
 // Appends a hex dump, 16 bytes a line.

@@ -1,4 +1,4 @@
-#include "capture.h"
+#include "text_capture.h"
 
 #include <inttypes.h>
 #include <stdio.h>
@@ -59,7 +59,9 @@ bool parseCaptureLine(std::string_view line, Crossing &c, std::string &error) {
     c.seconds = strtod(t.c_str(), &end);
     uint32_t index = 0, type = 0;
     std::string_view table = word(rest), idx = word(rest), bt = word(rest);
-    if (*end || table.empty() || !number(idx, index) || !number(bt, type) || type > 1) {
+    // A table's name is a word, not hex: hex written as words is a body.
+    const bool named = table.find_first_not_of("0123456789abcdefABCDEF") != std::string_view::npos;
+    if (*end || !named || !number(idx, index) || !number(bt, type) || type > 1) {
         error = "not <seconds> <table> <index> <bodyType> <hex>";
         return false;
     }

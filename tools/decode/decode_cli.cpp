@@ -8,7 +8,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "capture.h"
+#include "text_capture.h"
 #include "check.h"
 #include "pcapng.h"
 

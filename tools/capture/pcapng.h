@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "capture.h"
+#include "text_capture.h"
 
 namespace wifiap::tools {
 

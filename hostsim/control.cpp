@@ -1,0 +1,66 @@
+// The host's calls (hostsim.h): users and their methods, the event loop, the
+// framework's own events, the trace and the counters.
+#include "delivery.h"
+#include "transport.h"
+
+using namespace hostsim;
+
+// Exported: the rest of the stand-in is hidden (CMakeLists.txt).
+#pragma GCC visibility push(default)
+extern "C" {
+
+void hs_reset(void) { reset(); }
+
+ismUser_t hs_newUser(const char *busName, const char *userName) {
+    if (!userName) return nullptr;
+    const char *bus = busName ? busName : "";
+    if (userNamed(bus, userName)) return nullptr;
+    auto u = std::make_unique<User>();
+    u->bus = bus;
+    u->name = userName;
+    u->via = &inProcess();
+    world().users.push_back(std::move(u));
+    return world().users.back().get();
+}
+
+void hs_setMethod(ismUser_t user, uint32_t kind, uint32_t index, void *method, uintptr_t ref) {
+    User *u = userOf(user);
+    if (!u) return;
+    if (method)
+        u->methods[{kind, index}] = {method, ref};
+    else
+        u->methods.erase({kind, index});
+}
+
+size_t hs_run(void) { return run(); }
+
+void hs_raiseBaseEvent(int32_t event) {
+    auto bases = world().bases;  // a callback may add another
+    for (auto &[cb, ctx] : bases) cb(ctx, event);
+}
+
+int32_t hs_dropTable(uint16_t num) {
+    Table *t = liveTable(num);
+    if (!t) return 1;
+    t->live = false;
+    if (auto unreg = reinterpret_cast<intfWifiAp_unreg_t>(t->block[ISM_BLOCK_UNREG])) unreg(num);
+    return 0;
+}
+
+int32_t hs_needUpdate(ismUser_t server, uint16_t num, uint32_t index) {
+    User *u = userOf(server);
+    Table *t = liveTable(num);
+    if (!u || !t || index >= t->count) return 1;
+    askNeedUpdate(*u, *t, index);
+    return 0;
+}
+
+void hs_setTrace(void (*fn)(void *ref, const hs_trace *t), void *ref) {
+    world().trace = fn;
+    world().traceRef = ref;
+}
+
+hs_stats hs_getStats(void) { return world().stats; }
+
+}  // extern "C"
+#pragma GCC visibility pop

@@ -1,0 +1,38 @@
+// What the parts of the demo share: the library, the trace, and what the
+// demo's own checks found wrong.
+#pragma once
+
+#include <stdint.h>
+#include <stdio.h>
+
+#include "hostsim.h"
+#include "loader.h"
+#include "trace.h"
+
+namespace wifiap::demo {
+
+struct Demo {
+    Api api{};
+    Trace trace;
+    uint32_t problems = 0;
+
+    void problem(const char *what) {
+        printf("!! %s\n", what);
+        ++problems;
+    }
+    void expect(bool ok, const char *what) {
+        if (!ok) problem(what);
+    }
+    // Shows what crossed so far, then names the next step.
+    void step(const char *what) {
+        trace.print();
+        printf("\n== %s\n", what);
+    }
+    // Runs the loop until idle, then shows what crossed.
+    void run() {
+        hs_run();
+        trace.print();
+    }
+};
+
+}  // namespace wifiap::demo
