@@ -20,7 +20,9 @@ ismUser_t hs_newUser(const char *busName, const char *userName) {
     u->name = userName;
     u->via = &inProcess();
     world().users.push_back(std::move(u));
-    return world().users.back().get();
+    User &added = *world().users.back();
+    for (Transport *t : transports()) t->added(added);
+    return &added;
 }
 
 void hs_setMethod(ismUser_t user, uint32_t kind, uint32_t index, void *method, uintptr_t ref) {

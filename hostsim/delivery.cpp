@@ -32,7 +32,11 @@ void end(Msg &m) {
 // receiver's refusal would.
 bool post(Parcel p) {
     Msg *m = p.msg;
-    if (p.to->via->carry(std::move(p))) return true;
+    bool away = p.to->via != &inProcess() && p.cargo == Cargo::Message && !m->twoWay;
+    if (p.to->via->carry(std::move(p))) {
+        if (away) release(*m);  // nothing of it comes back to this process
+        return true;
+    }
     failed();
     if (m) end(*m);
     return false;
@@ -111,7 +115,7 @@ void resetNow() {
 uint32_t sendRequest(Table &t, uint32_t index, void *ctx, const Caller &c, User *from, User *to) {
     Body body = pack(t, index, kRequestBody, ctx, from, to);
     if (!body) return 0;
-    if (!from || !to || !to->regs.count(t.num)) {
+    if (!from || !to || !listens(*to, t.num)) {
         failed();
         return 0;
     }
@@ -133,7 +137,7 @@ int32_t publish(Table &t, uint32_t index, void *ctx, User *from, const char *onl
     }
     bool reached = false;
     for (auto &u : world().users) {
-        if (u.get() == from || !u->regs.count(t.num) || (onlyUser && u->name != onlyUser))
+        if (u.get() == from || !listens(*u, t.num) || (onlyUser && u->name != onlyUser))
             continue;
         Msg &m = newMsg(HS_NOTIFICATION, t, index, from, u.get());
         reached |= post({Cargo::Message, &m, u.get(), &t, index, body});
@@ -158,8 +162,12 @@ int32_t answer(Msg &m, void *ctx) {
         end(m);
         return 1;
     }
+    bool away = m.sender->via != &inProcess();
     if (!post({Cargo::Response, &m, m.sender, m.table, m.index, std::move(body)})) return 1;
-    m.answered = true;
+    if (away)
+        end(m);  // its response arrives in another process
+    else
+        m.answered = true;
     return 0;
 }
 

@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "delivery.h"
+#include "transport.h"
 
 namespace hostsim {
 namespace {
@@ -89,7 +90,7 @@ int32_t ismIntf_unregUser_msgMngt(ismUser_t user, uint16_t num, uint16_t, uint32
 }
 
 int32_t ismIntf_findSrvMthdNtfyUser(void *a, void *b, const char *, uint16_t, void *) {
-    return userNamed(static_cast<const char *>(a), static_cast<const char *>(b)) ? 0 : 1;
+    return lookUp(static_cast<const char *>(a), static_cast<const char *>(b)) ? 0 : 1;
 }
 
 ismCore_t ismIntf_getCore_user(ismUser_t user) {
@@ -104,7 +105,7 @@ uint32_t ismCore_sendMsgReq_toNameUser(ismCore_t core, void *ctx, ismResHandler_
     Table *t = sendTable(num, index, ctx);
     if (!t) return 0;
     return sendRequest(*t, index, ctx, {resHandler, callback, cbRef}, userOfCore(core),
-                       userNamed(busName, userName));
+                       lookUp(busName, userName));
 }
 
 int32_t ismCore_isMsg_needRes(ismMsg_t msg) {

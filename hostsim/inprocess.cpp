@@ -34,9 +34,12 @@ Transport &inProcess() {
     return *t;
 }
 
-// The only one as yet.
 std::span<Transport *const> transports() {
+#ifdef WIFIAP_DBUS
+    static Transport *const all[] = {&inProcess(), &dbus()};
+#else
     static Transport *const all[] = {&inProcess()};
+#endif
     return all;
 }
 

@@ -1,6 +1,8 @@
 // The lookups over the stand-in's tables, users and messages.
 #include "model.h"
 
+#include "transport.h"
+
 namespace hostsim {
 
 // Never destroyed: hosts may still call in while static objects go away.
@@ -42,6 +44,15 @@ User *userNamed(const char *bus, const char *name) {
     return nullptr;
 }
 
+bool listens(const User &u, uint16_t num) { return u.via != &inProcess() || u.regs.count(num); }
+
+User *lookUp(const char *bus, const char *name) {
+    if (User *u = userNamed(bus, name)) return u;
+    for (Transport *t : transports())
+        if (User *u = t->reach(bus, name)) return u;
+    return nullptr;
+}
+
 const Registration *registration(const User &u, uint16_t num) {
     auto it = u.regs.find(num);
     return it != u.regs.end() && it->second.dispatch ? &it->second : nullptr;
@@ -67,6 +78,9 @@ Msg &newMsg(uint32_t kind, Table &t, uint32_t index, User *from, User *to) {
     return ref;
 }
 
-void release(Msg &m) { world().msgs.erase(&m); }
+void release(Msg &m) {
+    for (Transport *t : transports()) t->released(m);
+    world().msgs.erase(&m);
+}
 
 }  // namespace hostsim

@@ -126,6 +126,9 @@ Table *knownTable(uint32_t num, uint32_t index);
 User *userOf(const void *handle);
 User *userOfCore(const void *core);
 User *userNamed(const char *bus, const char *name);  // a null bus matches any
+// Whether messages of the table may go to the user: registered with it, or in
+// another process, whose users the bus alone knows.
+bool listens(const User &u, uint16_t num);
 // Null if the user lacks a dispatch for the table.
 const Registration *registration(const User &u, uint16_t num);
 const char *busOf(const User *u);

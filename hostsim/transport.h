@@ -43,12 +43,25 @@ public:
     virtual bool receiveNext() = 0;
     // Drops every parcel in transit.
     virtual void clear() = 0;
+    // A user of this process was created.
+    virtual void added(User &) {}
+    // A user not found in this process, reached through this transport; null if none.
+    virtual User *reach(const char * /*bus*/, const char * /*name*/) { return nullptr; }
+    // A message record goes: whatever the transport still holds for it ends.
+    virtual void released(Msg &) {}
 };
 
 // The transport of users in this process: a queue, emptied by the event loop.
 Transport &inProcess();
+#ifdef WIFIAP_DBUS
+// The transport to users of other processes on a D-Bus bus (dbus.cpp).
+Transport &dbus();
+#endif
 // Every transport of this process, in the order the event loop asks them.
 std::span<Transport *const> transports();
+
+// The user of that name, in this process or reached through a transport.
+User *lookUp(const char *bus, const char *name);
 
 // A parcel has reached its receiver's process: the core delivers it.
 void arrive(Parcel &p);

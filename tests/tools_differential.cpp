@@ -209,12 +209,6 @@ int main(int argc, char **argv) {
             fprintf(stderr, "body %zu: %s\n--- wifiap-decode\n%s--- tshark\n%s\n", i,
                     captureLine(all[i]).c_str(), want.c_str(), got.c_str());
     }
-    // The committed capture is what the demo sent: all of it accepted.
-    for (size_t i = 0, k = 0; i < fromCapture; ++i, ++k) {
-        while (k < all.size() && all[k].body != bases[i].body) ++k;
-        if (k == all.size() || decoded[k].find("verdict accepted") == std::string::npos)
-            fprintf(stderr, "captured body %zu is not accepted\n", i), ++differ;
-    }
     printf("%zu bodies (%zu base bodies, %zu from the capture), %zu accepted; %zu packets "
            "decoded, %zu dissected; %zu disagree\n",
            all.size(), bases.size(), fromCapture, accepted, decoded.size(), dissected.size(),

@@ -96,6 +96,44 @@ typedef struct hs_stats {
 
 hs_stats hs_getStats(void);
 
+/* Users in other processes, over a D-Bus bus (builds with WIFIAP_DBUS).
+ *
+ * Each user of this process owns the name org.wifiap._<bus>._<user>, its
+ * names escaped ('_' plus two hex digits for each byte but letters and
+ * digits), at the object /org/wifiap/<bus>/<user> (sd_bus_path_encode). A
+ * command is a call of interface org.wifiap.IntfWifiAp1 named as its row, its
+ * body as the one argument (ay), its response the reply (ay); a notification a
+ * signal of that name from the publisher's object; need-update a call
+ * "NeedUpdate" with the notification's row name (s). Users of one process
+ * still reach each other in it. */
+
+/* Connects to the bus at `address` (NULL: DBUS_SESSION_BUS_ADDRESS; never the
+ * system bus) and claims the names of the users there are. 0, or -errno. */
+int hs_connectBus(const char *address);
+
+/* Flushes, closes the connection and forgets what is on its way. */
+void hs_disconnectBus(void);
+
+/* What a host's poll needs: the fd (-1 unconnected), its poll events, and the
+ * CLOCK_MONOTONIC time in µs by which hs_run must run (UINT64_MAX: none).
+ * hs_run then processes what arrived; it never blocks. */
+int hs_busFd(void);
+int hs_busEvents(void);
+int hs_busTimeout(uint64_t *usec);
+
+/* Polls the connection for at most timeoutMs (-1: until its own timeout):
+ * >0 when hs_run has work, 0 on timeout, -errno. For hosts with no loop. */
+int hs_waitBus(int timeoutMs);
+
+/* How long a command waits for its reply (µs, default 5 s). Past it, or on an
+ * error reply or the server's end, the request fails: counted in failures,
+ * the client's callback not called. */
+void hs_setCallTimeout(uint64_t usec);
+
+/* The user of those names: in this process or, connected, in another (its
+ * notifications are subscribed to). NULL if neither. */
+ismUser_t hs_findUser(const char *busName, const char *userName);
+
 #ifdef __cplusplus
 }
 #endif
