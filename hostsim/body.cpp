@@ -38,7 +38,7 @@ Body pack(const Table &t, uint32_t index, uint32_t bodyType, void *ctx, const Us
 }
 
 void *unpack(const Table &t, uint32_t index, uint32_t bodyType, const Body &body, const User *from,
-             const User *to) {
+             const User *to, uint32_t *refusal) {
     World &w = world();
     void *ctx = nullptr;
     uint32_t size = body.length;  // how the callback learns what it may read
@@ -48,6 +48,7 @@ void *unpack(const Table &t, uint32_t index, uint32_t bodyType, const Body &body
     w.stats.bytes += body.length;
     emit(HS_TRACE_RECEIVED, t, index, bodyType, body.bytes.get(), body.length, from, to, code);
     if (code == 0 && ctx) return ctx;
+    if (refusal) *refusal = code ? code : UINT32_MAX;
     failed();
     return nullptr;
 }

@@ -23,9 +23,9 @@ Body pack(const Table &t, uint32_t index, uint32_t bodyType, void *ctx, const Us
           const User *to);
 
 // The receiver's own context, rebuilt from the body alone; null (counted as a
-// failure) if the unserialize callback refused.
+// failure) if the unserialize callback refused, its code then in *refusal.
 void *unpack(const Table &t, uint32_t index, uint32_t bodyType, const Body &body, const User *from,
-             const User *to);
+             const User *to, uint32_t *refusal = nullptr);
 
 }  // namespace hostsim
 

@@ -75,7 +75,7 @@ void arriveMessage(Msg &m, const Body &body) {
         return;
     }
     Registration r = *reg;  // the dispatch may unregister
-    void *ctx = unpack(*m.table, m.index, kRequestBody, body, m.sender, m.receiver);
+    void *ctx = unpack(*m.table, m.index, kRequestBody, body, m.sender, m.receiver, &m.refused);
     if (!ctx) {
         end(m);
         return;
@@ -182,6 +182,8 @@ int32_t handBack(Msg &m, void *ctx) {
     end(m);
     return 0;
 }
+
+void abandon(Msg &m) { end(m); }
 
 void askNeedUpdate(User &server, Table &t, uint32_t index) {
     post({Cargo::NeedUpdate, nullptr, &server, &t, index, {}});

@@ -28,6 +28,8 @@ bool owesAnswer(const Msg &m);
 int32_t answer(Msg &m, void *ctx);
 int32_t handBack(Msg &m, void *ctx);
 void askNeedUpdate(User &server, Table &t, uint32_t index);
+// Its sender is gone: nothing more is owed, and an answer is refused.
+void abandon(Msg &m);
 
 // hs_run and hs_reset.
 size_t run();

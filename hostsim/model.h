@@ -99,6 +99,7 @@ struct Msg {
     bool busy;          // a callback runs with it
     bool answered;      // its response has left
     bool ended;         // handed back, or its answer failed: nothing more is owed
+    uint32_t refused;   // the unserialize code that refused its body, 0 if none did
 };
 static_assert(offsetof(Msg, callback) == 0 && offsetof(Msg, cbRef) == sizeof(void *));
 

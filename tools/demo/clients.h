@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "loader.h"
+#include "demo.h"
 
 namespace wifiap::demo {
 

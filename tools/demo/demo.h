@@ -11,6 +11,10 @@
 
 namespace wifiap::demo {
 
+using host::Api;
+using host::fn;
+using host::registerUser;
+
 struct Demo {
     Api api{};
     Trace trace;

@@ -62,7 +62,7 @@ int main(int argc, char **argv) {
     Demo d;
     d.trace.hex = opt.hex;
     void *lib = nullptr;
-    if (std::string err = load(d.api, opt.library, &lib); !err.empty()) {
+    if (std::string err = wifiap::host::load(d.api, opt.library, &lib); !err.empty()) {
         fprintf(stderr, "wifiap-demo: cannot load the library:\n%s", err.c_str());
         return 1;
     }

@@ -10,7 +10,7 @@ using tools::setText;
 
 void scenario(Demo &d, const uint32_t n) {
     const Api &api = d.api;
-    Server srv(d);
+    host::Server srv(d.api, "ap", "apd", [&d](const char *what) { d.problem(what); });
     tools::AccessPoint &ap = srv.ap;
     Answers ans;
     const uintptr_t ref = ans.ref();

@@ -7,11 +7,11 @@
 
 #include "intfWifiAp.h"
 
-namespace wifiap::demo {
+namespace wifiap::host {
 
-// The functions the scenario calls by name; the per-message dispatch
+// The functions a host calls by name; the per-message dispatch
 // functions are found from the rows of the message list.
-#define DEMO_FUNCTIONS(X)                                                                    \
+#define HOST_FUNCTIONS(X)                                                                    \
     X(intfWifiap_initialize) X(intfWifiAp_regUser_msgMngt) X(intfWifiAp_getNtfyIntfNum)      \
     X(intfWifiAp_sendReq_configure) X(intfWifiAp_sendRes_configure)                          \
     X(intfWifiAp_sendReq_setBridgeAndIps) X(intfWifiAp_sendReq_setIps)                       \
@@ -34,7 +34,7 @@ using CliRecv = int32_t (*)(ismUser_t, void *, void *, void *, const char *, con
 
 struct Api {
 #define MEMBER(n) decltype(&::n) n;
-    DEMO_FUNCTIONS(MEMBER)
+    HOST_FUNCTIONS(MEMBER)
 #undef MEMBER
     SrvRecv modSrv[INTFWIFIAP_CMD_COUNT];
     CliRecv modCli[INTFWIFIAP_NTFY_COUNT];
@@ -59,4 +59,4 @@ void *fn(F f) {
     return reinterpret_cast<void *>(f);
 }
 
-}  // namespace wifiap::demo
+}  // namespace wifiap::host

@@ -4,28 +4,34 @@
 
 #include <stdint.h>
 
-#include "access_point.h"
-#include "demo.h"
+#include <functional>
 
-namespace wifiap::demo {
+#include "access_point.h"
+#include "hostsim.h"
+#include "loader.h"
+
+namespace wifiap::host {
 
 struct Server {
-    // Registers user ap/apd and its command methods, which find this server
-    // through their reference: it must not move.
-    explicit Server(Demo &d);
+    // Registers user bus/name and its command methods, which find this
+    // server through their reference: it must not move. `user` is NULL if
+    // the stand-in refused the name.
+    Server(Api &api, const char *bus, const char *name,
+           std::function<void(const char *)> problem);
     Server(const Server &) = delete;
     Server &operator=(const Server &) = delete;
 
     // Publishes to every client what the access point has to tell.
     void publish();
     // From now on `to`'s need-update of notification `index` is answered
-    // with the current state.
+    // with the current state; NULL `to` answers every client.
     void answerNeedUpdate(uint32_t index, const char *to);
 
-    Demo &demo;
+    Api &api;
+    std::function<void(const char *)> problem;
     ismUser_t user;
     tools::AccessPoint ap;
     const char *updateTo = nullptr;
 };
 
-}  // namespace wifiap::demo
+}  // namespace wifiap::host

@@ -9,7 +9,7 @@
 #include "hostsim.h"
 #include "messages.h"
 
-namespace wifiap::demo {
+namespace wifiap::host {
 
 std::string load(Api &api, const std::string &given, void **handle) {
     std::vector<std::string> paths;
@@ -28,7 +28,7 @@ std::string load(Api &api, const std::string &given, void **handle) {
     // function and leaves its slot empty.
     std::vector<std::pair<const char *, void *>> table = {
 #define ENTRY(n) {#n, &api.n},
-        DEMO_FUNCTIONS(ENTRY)
+        HOST_FUNCTIONS(ENTRY)
 #undef ENTRY
 #define CMD_ENTRY(N, s, U, ...) {"intfWifiAp_modSrv_recvMsg_" #s, &api.modSrv[INTFWIFIAP_CMD_##U]},
 #define NTFY_ENTRY(N, s, U, version, Payload, update)                                         \
@@ -64,4 +64,4 @@ void registerUser(Api &api, ismUser_t user) {
     api.intfWifiAp_regUser_msgMngt(user, fn(dispatch), &api, INTFWIFIAP_REG_ALL);
 }
 
-}  // namespace wifiap::demo
+}  // namespace wifiap::host

@@ -1,9 +1,10 @@
 #include "server.h"
 
 #include <optional>
+#include <utility>
 #include <variant>
 
-namespace wifiap::demo {
+namespace wifiap::host {
 namespace {
 
 using tools::AccessPoint;
@@ -17,7 +18,7 @@ struct Overloaded : F... {
 Server &of(uintptr_t ref) { return *reinterpret_cast<Server *>(ref); }
 
 void notify(Server &s, const Event &e, const char *to) {
-    const Api &api = s.demo.api;
+    const Api &api = s.api;
     std::visit(Overloaded{
                    [&](const probeRequest &p) {
                        api.intfWifiAp_sendReq_ntfyOnProbeReceived(s.user, "ui", to, &p);
@@ -43,7 +44,7 @@ void mConfigure(ismMsg_t msg, uintptr_t ref, const conf *c) {
     Server &s = of(ref);
     const uint32_t result = s.ap.configure(*c);
     s.publish();  // clients hear of the new encryption before the answer
-    s.demo.api.intfWifiAp_sendRes_configure(msg, result);
+    s.api.intfWifiAp_sendRes_configure(msg, result);
 }
 void mSetBridgeAndIps(ismMsg_t, uintptr_t ref, const char *bridge, const char *ips) {
     of(ref).ap.setBridgeAndIps(bridge, ips);
@@ -52,36 +53,36 @@ void mSetIps(ismMsg_t, uintptr_t ref, const char *ips) { of(ref).ap.setIps(ips);
 void mCreate(ismMsg_t msg, uintptr_t ref, const char *ssid, const char *passphrase) {
     Server &s = of(ref);
     const tools::Created c = s.ap.create(ssid, passphrase);
-    s.demo.api.intfWifiAp_sendRes_create(msg, c.ifname.c_str(), c.bssid.c_str(), c.result);
+    s.api.intfWifiAp_sendRes_create(msg, c.ifname.c_str(), c.bssid.c_str(), c.result);
 }
 void mSsidinfo(ismMsg_t msg, uintptr_t ref, const char *ssid) {
     Server &s = of(ref);
-    s.demo.api.intfWifiAp_sendRes_ssidinfo(msg, s.ap.ssidInfo(ssid));
+    s.api.intfWifiAp_sendRes_ssidinfo(msg, s.ap.ssidInfo(ssid));
 }
 void mStop(ismMsg_t msg, uintptr_t ref) {
     Server &s = of(ref);
-    s.demo.api.intfWifiAp_sendRes_stop(msg, s.ap.stop());
+    s.api.intfWifiAp_sendRes_stop(msg, s.ap.stop());
 }
 // A WPS run starts once the client has its walk time.
 template <wpsInfoOut (AccessPoint::*Start)(const wpsInfoIn &), auto Answer>
 void mStartWps(ismMsg_t msg, uintptr_t ref, const wpsInfoIn *in) {
     Server &s = of(ref);
     const wpsInfoOut out = (s.ap.*Start)(*in);
-    (s.demo.api.*Answer)(msg, &out);
+    (s.api.*Answer)(msg, &out);
     s.publish();
 }
 void mGeneratePin(ismMsg_t msg, uintptr_t ref) {
     Server &s = of(ref);
-    s.demo.api.intfWifiAp_sendRes_generatePinCodeWPS(msg, s.ap.generatePin());
+    s.api.intfWifiAp_sendRes_generatePinCodeWPS(msg, s.ap.generatePin());
 }
 void mAccounting(ismMsg_t msg, uintptr_t ref, const accountingParams *p) {
     Server &s = of(ref);
     const accountingResult r = s.ap.accounting(*p);
-    s.demo.api.intfWifiAp_sendRes_sendAccountingRequest(msg, &r);
+    s.api.intfWifiAp_sendRes_sendAccountingRequest(msg, &r);
 }
 void mGetStats(ismMsg_t msg, uintptr_t ref) {
     Server &s = of(ref);
-    s.demo.api.intfWifiAp_sendRes_getAssocDevStats(msg, s.ap.stationStats().get());
+    s.api.intfWifiAp_sendRes_getAssocDevStats(msg, s.ap.stationStats().get());
 }
 // A command without an answer, only what it changes published.
 template <void (AccessPoint::*Apply)()>
@@ -94,13 +95,16 @@ void mPublishing(ismMsg_t, uintptr_t ref) {
 void mNeedUpdate(uintptr_t ref, uint32_t index) {
     Server &s = of(ref);
     if (std::optional<Event> e = s.ap.current(index)) notify(s, *e, s.updateTo);
-    else s.demo.problem("need-update of a notification that has none");
+    else s.problem("need-update of a notification that has none");
 }
 
 }  // namespace
 
-Server::Server(Demo &d) : demo(d), user(hs_newUser("ap", "apd")) {
-    registerUser(demo.api, user);
+Server::Server(Api &a, const char *bus, const char *name,
+               std::function<void(const char *)> p)
+    : api(a), problem(std::move(p)), user(hs_newUser(bus, name)) {
+    if (!user) return;
+    registerUser(api, user);
     void *const methods[INTFWIFIAP_CMD_COUNT] = {
         fn(mConfigure),
         fn(mSetBridgeAndIps),
@@ -130,4 +134,4 @@ void Server::answerNeedUpdate(uint32_t index, const char *to) {
     hs_setMethod(user, HS_NEED_UPDATE, index, fn(mNeedUpdate), reinterpret_cast<uintptr_t>(this));
 }
 
-}  // namespace wifiap::demo
+}  // namespace wifiap::host
