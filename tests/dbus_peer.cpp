@@ -25,6 +25,7 @@
 
 #include "capture.h"
 #include "hostsim.h"
+#include "dispatch.h"
 #include "messages.h"
 
 using mt::Bytes;
@@ -42,19 +43,6 @@ void trace(void *, const hs_trace *t) {
     if (t->senderBus && !strcmp(t->senderBus, "dbus")) g_plainCallers.insert(t->sender);
     g_received.emplace_back(t->body, t->body + t->length);
     if (g_stalled) printf("inflight\n"), fflush(stdout);
-}
-
-int32_t dispatch(void *, ismUser_t user, uint32_t kind, uint32_t index, void *v1, void *v2,
-                 void *v3, const char *bus, const char *name) {
-    for (const Message &m : mt::messages()) {
-        if (m.index != index || m.ntfy != (kind != HS_REQUEST)) continue;
-        if (kind == HS_REQUEST) return m.modSrv(user, v1, v2, v3);
-        if (kind == HS_NOTIFICATION) return m.modCli(user, v1, v2, v3, bus, name);
-        if (m.needUpdate) return m.needUpdate(user, v1, v2, v3);
-        reinterpret_cast<void (*)(uintptr_t, uint32_t)>(v2)(uintptr_t(v3), index);  // no call of its own
-        return 0;
-    }
-    return -1;
 }
 
 ismUser_t g_server;
@@ -84,7 +72,7 @@ int fail(const char *what) {
 ismUser_t start(const char *bus, const char *name) {
     if (hs_connectBus(nullptr) != 0 || intfWifiap_initialize() != 0) return nullptr;
     ismUser_t u = hs_newUser(bus, name);
-    if (u) intfWifiAp_regUser_msgMngt(u, reinterpret_cast<void *>(dispatch), nullptr, INTFWIFIAP_REG_ALL);
+    if (u) intfWifiAp_regUser_msgMngt(u, reinterpret_cast<void *>(mt::dispatch), nullptr, INTFWIFIAP_REG_ALL);
     hs_setTrace(trace, nullptr);
     return u;
 }

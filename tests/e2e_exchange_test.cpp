@@ -9,6 +9,7 @@
 
 #include "capture.h"
 #include "hostsim.h"
+#include "dispatch.h"
 #include "messages.h"
 
 using ::testing::IsEmpty;
@@ -16,18 +17,6 @@ using mt::Bytes;
 using mt::Message;
 
 namespace {
-
-// The host's side of dispatch: the framework's values go to the library
-// function of the message's row.
-int32_t dispatch(void *, ismUser_t user, uint32_t kind, uint32_t index, void *v1, void *v2,
-                 void *v3, const char *bus, const char *name) {
-    for (const Message &m : mt::messages()) {
-        if (m.index != index || m.ntfy != (kind == HS_NOTIFICATION)) continue;
-        if (kind == HS_REQUEST) return m.modSrv(user, v1, v2, v3);
-        if (kind == HS_NOTIFICATION) return m.modCli(user, v1, v2, v3, bus, name);
-    }
-    return -1;
-}
 
 // The bodies that crossed, by stage.
 std::vector<Bytes> g_bodies[2];
@@ -47,7 +36,7 @@ protected:
         client = hs_newUser("ui", "web");
         other = hs_newUser("ui", "cli");
         for (ismUser_t u : {server, client, other})
-            ASSERT_EQ(intfWifiAp_regUser_msgMngt(u, reinterpret_cast<void *>(dispatch), nullptr,
+            ASSERT_EQ(intfWifiAp_regUser_msgMngt(u, reinterpret_cast<void *>(mt::dispatch), nullptr,
                                                  INTFWIFIAP_REG_ALL),
                       0);
         mt::g_method = {};

@@ -17,6 +17,7 @@
 
 #include "decode.h"
 #include "text_capture.h"
+#include "wire.h"
 
 namespace {
 
@@ -42,12 +43,8 @@ std::string run(const std::string &command) {
     return out;
 }
 
-void put32(std::vector<uint8_t> &b, size_t at, uint32_t v) {
-    for (int i = 0; i < 4; ++i) b[at + i] = uint8_t(v >> (24 - 8 * i));
-}
-uint32_t get32(const std::vector<uint8_t> &b, size_t at) {
-    return uint32_t(b[at]) << 24 | uint32_t(b[at + 1]) << 16 | uint32_t(b[at + 2]) << 8 | b[at + 3];
-}
+void put32(std::vector<uint8_t> &b, size_t at, uint32_t v) { wifiap::codec::put32(&b[at], v); }
+uint32_t get32(const std::vector<uint8_t> &b, size_t at) { return wifiap::codec::get32(&b[at]); }
 
 // A fuzz seed: the row, a selector (body type modulo 3; even: a valid header
 // goes before the rest), the body.
