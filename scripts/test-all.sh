@@ -31,7 +31,7 @@ if [ "${FUZZ_SECONDS:-30}" -gt 0 ]; then
   cmake --build --preset fuzz -j"$(nproc)" --target body_fuzz
   mkdir -p build/fuzz/corpus
   # New inputs go to build/fuzz/corpus; the committed seeds are read, not written.
-  build/fuzz/fuzz/body_fuzz -max_total_time="${FUZZ_SECONDS:-30}" build/fuzz/corpus fuzz/corpus \
+  build/fuzz/fuzz/body_fuzz -artifact_prefix=build/fuzz/ -max_total_time="${FUZZ_SECONDS:-30}" build/fuzz/corpus fuzz/corpus \
     >build/fuzz/fuzz.log 2>&1 || { tail -n 40 build/fuzz/fuzz.log; exit 1; }
   tail -n 1 build/fuzz/fuzz.log
 fi
