@@ -1,5 +1,7 @@
 // The host's calls (hostsim.h): users and their methods, the event loop, the
 // framework's own events, the trace and the counters.
+#include <errno.h>
+
 #include "delivery.h"
 #include "transport.h"
 
@@ -63,6 +65,21 @@ void hs_setTrace(void (*fn)(void *ref, const hs_trace *t), void *ref) {
 }
 
 hs_stats hs_getStats(void) { return world().stats; }
+
+ismUser_t hs_findUser(const char *busName, const char *userName) {
+    return lookUp(busName ? busName : "", userName);
+}
+
+#ifndef WIFIAP_DBUS
+// Built without a bus: hosts call the same functions and learn there is none.
+int hs_connectBus(const char *) { return -EPROTONOSUPPORT; }
+void hs_disconnectBus(void) {}
+int hs_busFd(void) { return -1; }
+int hs_busEvents(void) { return 0; }
+int hs_busTimeout(uint64_t *) { return -ENOTCONN; }
+int hs_waitBus(int) { return -ENOTCONN; }
+void hs_setCallTimeout(uint64_t) {}
+#endif
 
 }  // extern "C"
 #pragma GCC visibility pop

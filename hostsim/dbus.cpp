@@ -552,9 +552,5 @@ int hs_waitBus(int timeoutMs) {
     return r < 0 ? -errno : r;
 }
 
-ismUser_t hs_findUser(const char *busName, const char *userName) {
-    return lookUp(busName ? busName : "", userName);
-}
-
 }  // extern "C"
 #pragma GCC visibility pop

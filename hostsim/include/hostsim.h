@@ -96,7 +96,8 @@ typedef struct hs_stats {
 
 hs_stats hs_getStats(void);
 
-/* Users in other processes, over a D-Bus bus (builds with WIFIAP_DBUS).
+/* Users in other processes, over a D-Bus bus (builds with WIFIAP_DBUS; in
+ * others hs_connectBus returns -EPROTONOSUPPORT).
  *
  * Each user of this process owns the name org.wifiap._<bus>._<user>, its
  * names escaped ('_' plus two hex digits for each byte but letters and

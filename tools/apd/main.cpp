@@ -19,6 +19,8 @@
 
 #include "hostsim.h"
 #include "server.h"
+#include "story.h"
+#include "text_capture.h"
 
 namespace {
 
@@ -26,13 +28,15 @@ using wifiap::host::Api;
 using wifiap::host::Server;
 
 struct Options {
-    std::string address, bus = "ap", user = "apd", library;
+    std::string address, bus = "ap", user = "apd", library, capture;
     uint32_t stations = 4;
     long interval = 1000;
-    bool toStderr = false;
+    bool toStderr = false, story = false;
 };
 
 bool g_stderr = false;
+FILE *g_capture = nullptr;
+uint64_t g_start = 0;
 
 __attribute__((format(printf, 2, 3))) void say(int priority, const char *fmt, ...) {
     va_list ap;
@@ -50,13 +54,17 @@ __attribute__((format(printf, 2, 3))) void say(int priority, const char *fmt, ..
 int usage(FILE *to, int status) {
     fprintf(to,
             "usage: wifiap-apd [--address ADDR] [--bus NAME] [--user NAME] [--stations N]\n"
-            "                  [--interval MS] [--stderr] [--library PATH]\n"
+            "                  [--interval MS] [--story] [--capture FILE] [--stderr]\n"
+            "                  [--library PATH]\n"
             "  --address ADDR  the D-Bus bus to serve on (DBUS_SESSION_BUS_ADDRESS; never\n"
             "                  the system bus)\n"
             "  --bus NAME      the framework bus of the server user (ap)\n"
             "  --user NAME     the server user's name (apd)\n"
             "  --stations N    stations associated at the start, 0..100 (4)\n"
             "  --interval MS   every MS milliseconds a station probes, joins or leaves (1000)\n"
+            "  --story         no timer: the air plays wifiap-demo's story as its commands\n"
+            "                  come (scripts/demo-bus.sh); N stations once the newcomer joins\n"
+            "  --capture FILE  write every body this server sends to FILE (wifiap-decode)\n"
             "  --stderr        log to standard error instead of syslog\n"
             "  --library PATH  the interface library to load\n"
             "Stops on SIGTERM or SIGINT, exit status 0.\n");
@@ -77,8 +85,8 @@ int parse(int argc, char **argv, Options &opt) {
         const char *value = i + 1 < argc ? argv[i + 1] : nullptr;
         long v = 0;
         if (a == "--help") return 1;
-        if (a == "--stderr") {
-            opt.toStderr = true;
+        if (a == "--stderr" || a == "--story") {
+            (a == "--story" ? opt.story : opt.toStderr) = true;
             continue;
         }
         if (!value) return -1;
@@ -87,6 +95,7 @@ int parse(int argc, char **argv, Options &opt) {
         else if (a == "--bus") opt.bus = value;
         else if (a == "--user") opt.user = value;
         else if (a == "--library") opt.library = value;
+        else if (a == "--capture") opt.capture = value;
         else if (a == "--stations" && number(value, 0, INTFWIFIAP_ASSOCDEVSTATLIST_MAX, v))
             opt.stations = uint32_t(v);
         else if (a == "--interval" && number(value, 1, 3'600'000, v)) opt.interval = v;
@@ -103,6 +112,11 @@ uint64_t nowUs() {
 
 void logTrace(void *, const hs_trace *t) {
     const bool ntfy = !strcmp(t->table, "IntfWifiApNtfy");
+    if (g_capture && t->stage == HS_TRACE_SENT && t->body) {
+        const wifiap::tools::Crossing c{double(nowUs() - g_start) / 1e6, t->table, t->index,
+                                        t->bodyType, {t->body, t->body + t->length}, {}, {}};
+        fprintf(g_capture, "%s\n", wifiap::tools::captureLine(c).c_str());
+    }
     if (t->stage == HS_TRACE_RECEIVED && !ntfy && t->bodyType == 0)
         say(LOG_INFO, "command %s from %s/%s, %u bytes%s", t->message, t->senderBus, t->sender,
             t->length, t->code ? " (refused)" : "");
@@ -140,7 +154,7 @@ struct Air {
 bool serve(Server &srv, Air &air, int sigfd, uint64_t intervalUs) {
     uint64_t tick = nowUs() + intervalUs;
     for (;;) {
-        uint64_t due = tick, busDue = UINT64_MAX;
+        uint64_t due = intervalUs ? tick : UINT64_MAX, busDue = UINT64_MAX;
         if (hs_busTimeout(&busDue) >= 0) due = std::min(due, busDue);
         const uint64_t now = nowUs();
         const int wait = due <= now ? 0 : int(std::min<uint64_t>((due - now + 999) / 1000, 60'000));
@@ -154,7 +168,7 @@ bool serve(Server &srv, Air &air, int sigfd, uint64_t intervalUs) {
         }
         if (fds[0].revents & (POLLERR | POLLHUP | POLLNVAL))
             return say(LOG_ERR, "the bus connection is gone"), false;
-        if (nowUs() >= tick) {
+        if (intervalUs && nowUs() >= tick) {
             air.tick();
             srv.publish();
             tick += intervalUs;
@@ -182,6 +196,13 @@ int main(int argc, char **argv) {
                           : -1;
     if (sigfd < 0) return say(LOG_ERR, "signalfd: %m"), 1;
 
+    if (!opt.capture.empty()) {
+        g_capture = fopen(opt.capture.c_str(), "w");
+        if (!g_capture) return say(LOG_ERR, "%s: %m", opt.capture.c_str()), 1;
+        setvbuf(g_capture, nullptr, _IOLBF, 0);  // whole lines for a reader while it runs
+        fprintf(g_capture, "# wifiap-apd: every body sent\n");
+        g_start = nowUs();
+    }
     int status = 1;
     Api api{};
     void *lib = nullptr;
@@ -200,11 +221,13 @@ int main(int argc, char **argv) {
             hs_setTrace(logTrace, nullptr);
             for (uint32_t i = 0; i < INTFWIFIAP_NTFY_COUNT; ++i)
                 if (api.needUpdate[i]) srv.answerNeedUpdate(i, nullptr);
-            srv.ap.preload(opt.stations);
+            if (opt.story) wifiap::host::playStory(srv, opt.stations);
+            else srv.ap.preload(opt.stations);
             Air air{srv.ap, opt.stations, opt.stations};
             say(LOG_NOTICE, "ready: %s/%s, %u stations", opt.bus.c_str(), opt.user.c_str(),
                 opt.stations);
-            status = serve(srv, air, sigfd, uint64_t(opt.interval) * 1000u) ? 0 : 1;
+            const uint64_t interval = opt.story ? 0 : uint64_t(opt.interval) * 1000u;
+            status = serve(srv, air, sigfd, interval) ? 0 : 1;
             hs_setTrace(nullptr, nullptr);
         }
         hs_disconnectBus();
@@ -215,6 +238,7 @@ int main(int argc, char **argv) {
         dlclose(lib);
     }
     close(sigfd);
+    if (g_capture) fclose(g_capture);
     closelog();
     return status;
 }

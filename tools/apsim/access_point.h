@@ -86,6 +86,7 @@ public:
 
     bool created() const { return created_; }
     bool radioOn() const { return radioOn_; }
+    const std::string &ssid() const { return ssid_; }
     const std::string &bridge() const { return bridge_; }
     const std::string &ips() const { return ips_; }
     WpsState wps() const { return wps_; }

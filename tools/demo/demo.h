@@ -5,6 +5,8 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include <functional>
+
 #include "hostsim.h"
 #include "loader.h"
 #include "trace.h"
@@ -18,6 +20,8 @@ using host::registerUser;
 struct Demo {
     Api api{};
     Trace trace;
+    uint32_t stations = 4;
+    bool overBus = false;  // the server is another process: answers take a while
     uint32_t problems = 0;
 
     void problem(const char *what) {
@@ -32,9 +36,12 @@ struct Demo {
         trace.print();
         printf("\n== %s\n", what);
     }
-    // Runs the loop until idle, then shows what crossed.
-    void run() {
-        hs_run();
+    // Runs the loop until `done` (in this process: until idle); over a bus
+    // then until it has been quiet a while, for what follows an answer.
+    void wait(const std::function<bool()> &done);
+    // Waits, then shows what crossed.
+    void run(const std::function<bool()> &done) {
+        wait(done);
         trace.print();
     }
 };

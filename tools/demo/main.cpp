@@ -3,7 +3,10 @@
 // and its clients over the framework stand-in, and shows every body that
 // crosses, decoded.
 #include <dlfcn.h>
+#include <poll.h>
 #include <stdio.h>
+#include <string.h>
+#include <unistd.h>
 #include <stdlib.h>
 
 #include <string>
@@ -16,17 +19,21 @@ namespace {
 struct Options {
     bool hex = false;
     uint32_t stations = 4;
-    std::string capture, library;
+    std::string capture, library, bus, client;
 };
 
 int usage() {
     fprintf(stderr,
             "usage: wifiap-demo [--hex] [--stations N] [--capture FILE] [--library PATH]\n"
+            "                   [--bus ADDRESS --client web|cli]\n"
             "  --hex           add a hex dump of every body\n"
             "  --stations N    stations associated with the access point, 0..100 (4)\n"
             "  --capture FILE  write every body sent to FILE (see wifiap-decode); pcapng\n"
             "                  if FILE ends in .pcapng\n"
-            "  --library PATH  the interface library to load\n");
+            "  --library PATH  the interface library to load\n"
+            "  --bus ADDRESS   play one client's part on that D-Bus bus, the server being\n"
+            "                  wifiap-apd --story there (scripts/demo-bus.sh); web waits\n"
+            "                  for a line on standard input while cli plays\n");
     return 2;
 }
 
@@ -46,14 +53,49 @@ bool parse(int argc, char **argv, Options &opt) {
             opt.capture = argv[++i];
         } else if (a == "--library" && value) {
             opt.library = argv[++i];
+        } else if (a == "--bus" && value) {
+            opt.bus = argv[++i];
+        } else if (a == "--client" && value) {
+            opt.client = argv[++i];
         } else {
             return false;
         }
     }
-    return true;
+    return opt.bus.empty() == opt.client.empty();
+}
+
+// Serves the bus until a line (or the end) comes on standard input.
+void awaitLine(wifiap::demo::Demo &d) {
+    printf("\n== waiting for the other client (a line on standard input)\n");
+    fflush(stdout);
+    for (;;) {
+        pollfd fds[2] = {{0, POLLIN, 0}, {hs_busFd(), short(hs_busEvents()), 0}};
+        if (poll(fds, 2, 100) < 0) break;
+        hs_run();
+        d.trace.print();
+        if (fds[0].revents) {
+            char c;
+            while (read(0, &c, 1) == 1 && c != '\n') {}
+            break;
+        }
+    }
 }
 
 }  // namespace
+
+namespace wifiap::demo {
+
+void Demo::wait(const std::function<bool()> &done) {
+    hs_run();
+    if (!overBus) return;
+    const double deadline = now() + 5;  // the stand-in's own call timeout
+    while (!done() && now() < deadline)
+        if (hs_waitBus(100) >= 0) hs_run();
+    if (!done()) problem("no answer within 5 s");
+    while (hs_waitBus(50) > 0) hs_run();  // what follows an answer
+}
+
+}  // namespace wifiap::demo
 
 int main(int argc, char **argv) {
     using namespace wifiap::demo;
@@ -61,6 +103,8 @@ int main(int argc, char **argv) {
     if (!parse(argc, argv, opt)) return usage();
     Demo d;
     d.trace.hex = opt.hex;
+    d.stations = opt.stations;
+    d.overBus = !opt.bus.empty();
     void *lib = nullptr;
     if (std::string err = wifiap::host::load(d.api, opt.library, &lib); !err.empty()) {
         fprintf(stderr, "wifiap-demo: cannot load the library:\n%s", err.c_str());
@@ -76,9 +120,17 @@ int main(int argc, char **argv) {
         fprintf(stderr, "wifiap-demo: intfWifiap_initialize failed (%d)\n", rc);
         return 1;
     }
-    scenario(d, opt.stations);
+    if (!d.overBus) {
+        scenario(d, opt.stations);
+    } else if (int rc = hs_connectBus(opt.bus.c_str())) {
+        fprintf(stderr, "wifiap-demo: cannot connect to %s: %s\n", opt.bus.c_str(), strerror(-rc));
+        return 1;
+    } else if (!clientPart(d, opt.client.c_str(), [&d] { awaitLine(d); })) {
+        return usage();
+    }
     d.trace.print();
     const hs_stats st = hs_getStats();
+    hs_disconnectBus();
     hs_raiseBaseEvent(0);  // the framework stops: the library gives its tables back
     hs_reset();
     dlclose(lib);

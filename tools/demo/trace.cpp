@@ -62,7 +62,7 @@ void Trace::onTrace(void *self, const hs_trace *t) {
 size_t Trace::pendingResponseSize() const {
     size_t bytes = 0;
     for (const Seen &s : seen_)
-        if (s.stage == HS_TRACE_SENT && s.bodyType == INTFWIFIAP_BODY_RESPONSE)
+        if (s.bodyType == INTFWIFIAP_BODY_RESPONSE)
             bytes = s.body.size();
     return bytes;
 }
@@ -80,13 +80,21 @@ void Trace::capture(const Seen &s, const std::string &receivers) {
 }
 
 // One block per body sent, with where it arrived. A body received belongs to
-// the first one sent alike that has not yet reached that receiver.
+// the first one sent alike that has not yet reached that receiver; one sent
+// by another process has a block of its own.
 void Trace::print() {
     std::vector<std::string> to(seen_.size()), names(seen_.size());
+    std::vector<bool> merged(seen_.size());
     for (size_t j = 0; j < seen_.size(); ++j) {
         const Seen &r = seen_[j];
         if (r.stage != HS_TRACE_RECEIVED) continue;
-        for (size_t i = 0; i < j; ++i) {
+        merged[j] = true;
+        for (size_t i = 0;; ++i) {
+            if (i == j) {
+                merged[j] = false;
+                to[j] = r.to + (r.code ? " (refused, code " + std::to_string(r.code) + ")" : "");
+                break;
+            }
             const Seen &s = seen_[i];
             if (s.stage != HS_TRACE_SENT || s.table != r.table || s.index != r.index ||
                 s.bodyType != r.bodyType || s.body != r.body ||
@@ -100,8 +108,9 @@ void Trace::print() {
     }
     for (size_t i = 0; i < seen_.size(); ++i) {
         const Seen &s = seen_[i];
-        if (s.stage != HS_TRACE_SENT) continue;
-        capture(s, names[i]);
+        if (merged[i]) continue;
+        if (s.stage == HS_TRACE_SENT) capture(s, names[i]);
+        if (to[i].empty()) to[i] = s.to;
         const Message *m = findMessage(s.table, s.index);
         const bool ntfy = m && m->ntfy;
         const char *dir = ntfy ? "server -> clients" : s.bodyType ? "server -> client"

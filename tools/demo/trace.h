@@ -29,7 +29,7 @@ public:
     void listen();
     // Prints (and captures) what crossed since the last call.
     void print();
-    // The size of the last response body not yet printed, 0 if none.
+    // The size of the last response body not yet printed (sent or received), 0 if none.
     size_t pendingResponseSize() const;
 
 private:

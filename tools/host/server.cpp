@@ -98,13 +98,24 @@ void mNeedUpdate(uintptr_t ref, uint32_t index) {
     else s.problem("need-update of a notification that has none");
 }
 
+// The library's dispatch, with the air around each command.
+int32_t dispatchAired(void *ref, ismUser_t user, uint32_t kind, uint32_t index, void *v1,
+                      void *v2, void *v3, const char *bus, const char *name) {
+    Server &s = *static_cast<Server *>(ref);
+    const bool aired = kind == HS_REQUEST && s.air;
+    if (aired) s.air(index, false);
+    const int32_t rc = dispatch(&s.api, user, kind, index, v1, v2, v3, bus, name);
+    if (aired) s.air(index, true);
+    return rc;
+}
+
 }  // namespace
 
 Server::Server(Api &a, const char *bus, const char *name,
                std::function<void(const char *)> p)
     : api(a), problem(std::move(p)), user(hs_newUser(bus, name)) {
     if (!user) return;
-    registerUser(api, user);
+    api.intfWifiAp_regUser_msgMngt(user, fn(dispatchAired), this, INTFWIFIAP_REG_ALL);
     void *const methods[INTFWIFIAP_CMD_COUNT] = {
         fn(mConfigure),
         fn(mSetBridgeAndIps),

@@ -28,6 +28,9 @@ struct Server {
     void answerNeedUpdate(uint32_t index, const char *to);
 
     Api &api;
+    // Called with a command's row before (false) and after (true) the
+    // library hands it to its method: what happens on the air meanwhile.
+    std::function<void(uint32_t command, bool after)> air;
     std::function<void(const char *)> problem;
     ismUser_t user;
     tools::AccessPoint ap;
