@@ -103,6 +103,19 @@ uint8_t *walkWrite(const Desc &d, const uint8_t *rec, uint8_t *p) {
     return p;
 }
 
+// Items of words alone that fill their slot: the walk would copy every byte
+// of them, so one memcpy of the whole list does. The station list's 31,200
+// rates took 450 µs walked one by one.
+static bool wordsFillSlot(const Desc &d, uint32_t stride) {
+    uint32_t sum = 0;
+    for (uint32_t i = 0; i < d.count; ++i) {
+        Kind k = d.fields[i].kind;
+        if (!isScalar(k) && k != Kind::U64) return false;
+        sum += k == Kind::U64 ? 8 : uint32_t(width(k));
+    }
+    return sum == stride;
+}
+
 uint32_t walkCopy(const Desc &d, uint8_t *dst, const uint8_t *src) {
     for (uint32_t i = 0; i < d.count; ++i) {
         const Field &f = d.fields[i];
@@ -111,6 +124,8 @@ uint32_t walkCopy(const Desc &d, uint8_t *dst, const uint8_t *src) {
                      reinterpret_cast<const char *>(src + f.off), f.cap);
         } else if (hasElement(f.kind)) {
             memcpy(dst + f.off, src + f.off, f.kind == Kind::U64 ? 8 : width(f.kind));
+        } else if (f.kind == Kind::List && wordsFillSlot(*f.sub, f.stride)) {
+            memcpy(dst + f.off, src + f.off, size_t(items(src, f)) * f.stride);
         } else {
             const uint32_t n = f.kind == Kind::Nested ? 1 : items(src, f);
             for (uint32_t k = 0; k < n; ++k) {

@@ -79,6 +79,13 @@ int hs_busEvents(void) { return 0; }
 int hs_busTimeout(uint64_t *) { return -ENOTCONN; }
 int hs_waitBus(int) { return -ENOTCONN; }
 void hs_setCallTimeout(uint64_t) {}
+void hs_setBusFdMin(uint32_t) {}
+int hs_busUsers(void (*)(void *, const char *, const char *), void *) { return -ENOTCONN; }
+int hs_monitorBus(const char *, void (*)(void *, const hs_trace *), void *) {
+    return -EPROTONOSUPPORT;
+}
+int hs_monitorRun(void) { return -ENOTCONN; }
+void hs_monitorStop(void) {}
 #endif
 
 }  // extern "C"

@@ -4,7 +4,7 @@ set -euo pipefail
 pkgs=(cmake ninja-build g++ googletest libgtest-dev libgmock-dev libbenchmark-dev binutils
       g++-i686-linux-gnu g++-mips-linux-gnu g++-arm-linux-gnueabihf g++-arm-linux-gnueabi
       qemu-user abigail-tools clang libclang-rt-14-dev tshark
-      pkg-config libsystemd-dev dbus-daemon dbus-bin systemd)
+      pkg-config libsystemd-dev dbus-daemon dbus-bin systemd libjson-c-dev libedit-dev)
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -9,8 +9,21 @@
 //   publisher     serves until SIGTERM, then no stand-in of a plain caller
 //                 (busctl) may outlive its name;
 //   subscriber    one notification, then again from the server's successor;
-//   sample N T    prints message N's sample body of type T as busctl's `ay`.
+//   sample N T    prints message N's sample body of type T as busctl's `ay`;
+// and for tests/dbus/faults.sh:
+//   holder        answers Configure 2 s late, printing "dropped" instead if its
+//                 client went meanwhile; until SIGTERM;
+//   one-client    one Configure, answered;
+//   orphan        a stalled server that must see the bus go;
+//   fault-client bus|timeout  its bus goes (the failure counted once, the end
+//                 reported), or its 0.3 s timeout passes;
+//   huge          bodies over the bus's limits refused, the connection kept;
+//   load-server N serves until SIGTERM, then N requests must have come and the
+//                 live heap at the Nth be within 256 KiB of that at the 1,000th;
+//   load-client N I  N Configure as ui/webI, 16 at a time, each answered once.
 // Exits 0 when every body received is the sample's and nothing leaked.
+#include <errno.h>
+#include <malloc.h>
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -19,6 +32,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -37,9 +51,24 @@ std::vector<Bytes> g_received;
 bool g_stalled = false;
 std::set<std::string> g_plainCallers;
 volatile sig_atomic_t g_term = 0;
+bool g_gone = false;  // the bus connection ended
+
+// Live heap bytes: ASan's count, or glibc's in a plain build.
+extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
+size_t heapInUse() {
+    if (__sanitizer_get_current_allocated_bytes) return __sanitizer_get_current_allocated_bytes();
+    struct mallinfo2 mi = mallinfo2();
+    return mi.uordblks + mi.hblkhd;
+}
+long g_loadTotal = 0, g_served = 0;
+size_t g_heapAt[2];
 
 void trace(void *, const hs_trace *t) {
     if (t->stage != HS_TRACE_RECEIVED) return;
+    if (g_loadTotal) {  // nothing kept, so that the heap shows the stand-in's own growth
+        if (++g_served == 1000 || g_served == g_loadTotal) g_heapAt[g_served != 1000] = heapInUse();
+        return;
+    }
     if (t->senderBus && !strcmp(t->senderBus, "dbus")) g_plainCallers.insert(t->sender);
     g_received.emplace_back(t->body, t->body + t->length);
     if (g_stalled) printf("inflight\n"), fflush(stdout);
@@ -56,10 +85,12 @@ double now() {
     return double(t.tv_sec) + double(t.tv_nsec) / 1e9;
 }
 
+// Until done, the time is up or the bus goes (g_gone).
 bool pump(const std::function<bool()> &done, double seconds) {
-    for (double end = now() + seconds; now() < end; hs_waitBus(50)) {
+    for (double end = now() + seconds; now() < end;) {
         hs_run();
         if (done()) return true;
+        if (hs_waitBus(50) == -ENOTCONN) return g_gone = true, hs_run(), done();
     }
     return false;
 }
@@ -77,10 +108,30 @@ ismUser_t start(const char *bus, const char *name) {
     return u;
 }
 
-enum class Serving { Checked, Stalled, Publisher };
+std::map<ismMsg_t, double> g_held;  // Configure requests the holder has not answered
+void hold(ismMsg_t msg, uintptr_t, const conf *) {
+    g_held[msg] = now();
+    printf("inflight\n"), fflush(stdout);
+}
+void answerHeld() {
+    for (auto it = g_held.begin(); it != g_held.end();) {
+        if (ismCore_isMsg_needRes(it->first) == 0 && now() - it->second < 2) {
+            ++it;
+            continue;
+        }
+        if (ismCore_isMsg_needRes(it->first) == 0)
+            intfWifiAp_sendRes_configure(it->first, 7), printf("answered\n");
+        else
+            printf("dropped\n");
+        fflush(stdout);
+        it = g_held.erase(it);
+    }
+}
+
+enum class Serving { Checked, Stalled, Publisher, Holder, Orphan, Load };
 
 int serve(Serving how) {
-    bool stalled = how == Serving::Stalled;
+    bool stalled = how == Serving::Stalled || how == Serving::Orphan;
     g_server = start("ap", "apd");
     if (!g_server) return fail("server did not start");
     g_stalled = stalled;
@@ -89,10 +140,20 @@ int serve(Serving how) {
         hs_setMethod(g_server, m.ntfy ? HS_NEED_UPDATE : HS_REQUEST, m.index,
                      m.ntfy ? reinterpret_cast<void *>(publish) : m.method,
                      reinterpret_cast<uintptr_t>(&m));
+    if (how == Serving::Holder)
+        hs_setMethod(g_server, HS_REQUEST, INTFWIFIAP_CMD_CONFIGURE, reinterpret_cast<void *>(hold), 0);
     printf("ready\n"), fflush(stdout);
-    if (how == Serving::Publisher) {
+    if (how == Serving::Orphan)
+        return pump([] { return false; }, 20), g_gone ? 0 : fail("the bus went unnoticed");
+    if (how != Serving::Checked && how != Serving::Stalled) {
         signal(SIGTERM, [](int) { g_term = 1; });
-        if (!pump([] { return g_term != 0; }, 60)) return fail("never stopped");
+        if (!pump([] { return answerHeld(), g_term != 0; }, 300)) return fail("never stopped");
+        if (how == Serving::Load) {
+            long growth = long(g_heapAt[1]) - long(g_heapAt[0]);
+            printf("served %ld, live heap %+ld bytes from the 1,000th\n", g_served, growth);
+            if (g_served != g_loadTotal) return fail("not every request came, or more came");
+            if (growth > 256 << 10) return fail("the server's heap grew");
+        }
         pump([] { return false; }, 0.3);  // the callers' names going
         // A notification to a user that is gone fails.
         const Message ntfy = mt::notifications()[0];  // notifications() is a copy
@@ -163,16 +224,88 @@ int sample(int argc, char **argv) {
     return printf("\n"), 0;
 }
 
-int faultClient() {
+// how: "" the server is killed, "bus" the bus is, "timeout" neither.
+int faultClient(const std::string &how) {
     ismUser_t me = start("ui", "web");
     if (!me) return fail("client did not start");
-    hs_setCallTimeout(30'000'000);
+    hs_setCallTimeout(how == "timeout" ? 300'000 : 30'000'000);
     const Message &get = mt::messages()[INTFWIFIAP_CMD_CONFIGURE];
     double sent = now();
     if (!get.send(me, "ap", "apd")) return fail("not sent");
     if (!pump([] { return hs_getStats().failures > 0; }, 20)) return fail("the request never failed");
-    if (now() - sent > 5) return fail("the request failed only after its timeout");
+    double took = now() - sent;
+    printf("failed after %.2f s\n", took);
+    if (how == "timeout" ? took < 0.25 || took > 2 : took > 5)
+        return fail("the request failed before its timeout, or long after the fault");
+    if (how == "bus" && (pump([] { return false; }, 2), !g_gone))
+        return fail("the end of the bus not reported");
+    if (hs_getStats().failures != 1) return fail("not one failure counted");
     return mt::g_callback.calls ? fail("a callback for a failed request") : 0;
+}
+
+std::vector<uint8_t> g_answers;
+long g_answered = 0;
+bool g_wrong = false;
+void onLoad(ismMsg_t, uintptr_t ref, uint32_t result) {
+    g_wrong |= ref >= g_answers.size() || result != 7 || g_answers[ref]++;
+    ++g_answered;
+}
+
+void *g_hugeCtx;
+uint32_t g_hugeSize;
+// A table of one command whose body is g_hugeSize bytes: more than the
+// library ever writes.
+uint32_t hugeBody(uint32_t, void *, uint8_t **body, uint32_t *n) {
+    *body = static_cast<uint8_t *>(calloc(g_hugeSize, 1));
+    return *n = g_hugeSize, *body ? 0 : 1;
+}
+
+int huge() {
+    ismUser_t me = start("ui", "web");
+    if (!me || !hs_findUser("ap", "apd")) return fail("client did not start");
+    uintptr_t *block = nullptr;
+    uint16_t num = ismCore_getBase_msgMngt("HugeCmd", &block, 1);
+    if (num == INTFWIFIAP_NUM_NONE) return fail("no table");
+    block[ISM_BLOCK_NAME] = reinterpret_cast<uintptr_t>("HugeCmd");
+    uintptr_t *row = block + ISM_BLOCK_ROWS;
+    row[ISM_ROW_NAME] = reinterpret_cast<uintptr_t>("Huge");
+    row[ISM_ROW_FREE] = reinterpret_cast<uintptr_t>(+[](uint32_t, void *) {});
+    row[ISM_ROW_SERIALIZE] = reinterpret_cast<uintptr_t>(hugeBody);
+    hs_setBusFdMin(0);  // bodies as `ay`, as a plain client sends them
+    // Past dbus-daemon's default message size (32 MiB) and its array length (64 MiB).
+    int sent = 0;
+    for (uint32_t mib : {40u, 65u}) {
+        g_hugeSize = mib << 20;
+        uint32_t before = hs_getStats().failures;
+        if (ismCore_sendMsgReq_toNameUser(ismIntf_getCore_user(me), &g_hugeCtx, nullptr, nullptr, 0,
+                                          "ap", "apd", num, 0, ISM_ANY, ISM_SEND_FLAGS) ||
+            hs_getStats().failures != before + 1)
+            ++sent, printf("%u MiB sent\n", mib);
+        hs_run();
+    }
+    const conf c{36, 3};
+    g_answers.assign(1, 0);
+    if (!intfWifiAp_sendReq_configure(me, onLoad, 0, "ap", "apd", &c) ||
+        !pump([] { return g_answered > 0; }, 10) || g_wrong)
+        return fail("the connection did not survive");
+    return sent ? fail("a body over the bus's limit was sent") : 0;
+}
+
+int loadClient(long n, const char *who) {
+    ismUser_t me = start("ui", (std::string("web") + who).c_str());
+    if (!me || !hs_findUser("ap", "apd")) return fail("client did not start");
+    g_answers.assign(size_t(n), 0);
+    const conf c{36, 3};
+    long sent = 0;
+    pump([&] {
+        while (sent < n && sent - g_answered < 16 && !hs_getStats().failures)
+            intfWifiAp_sendReq_configure(me, onLoad, uintptr_t(sent++), "ap", "apd", &c);
+        return g_answered >= n || hs_getStats().failures;
+    }, 300);
+    pump([] { return false; }, 0.2);  // an answer twice would come now
+    printf("%ld sent, %ld answered, %u failures\n", sent, g_answered, hs_getStats().failures);
+    if (g_answered != n || g_wrong || hs_getStats().failures) return fail("not every request answered once");
+    return 0;
 }
 
 uint32_t g_result = UINT32_MAX;
@@ -216,8 +349,14 @@ int main(int argc, char **argv) {
              : !strcmp(role, "publisher")    ? serve(Serving::Publisher)
              : !strcmp(role, "client")       ? client()
              : !strcmp(role, "subscriber")   ? subscriber()
-             : !strcmp(role, "fault-client") ? faultClient()
+             : !strcmp(role, "fault-client") ? faultClient(argc > 2 ? argv[2] : "")
              : !strcmp(role, "apd-client")   ? apdClient(argc > 2 ? argv[2] : "0")
+             : !strcmp(role, "holder")       ? serve(Serving::Holder)
+             : !strcmp(role, "one-client")   ? loadClient(1, "")
+             : !strcmp(role, "orphan")       ? serve(Serving::Orphan)
+             : !strcmp(role, "huge")         ? huge()
+             : !strcmp(role, "load-server")  ? (g_loadTotal = argc > 2 ? atol(argv[2]) : 1, serve(Serving::Load))
+             : !strcmp(role, "load-client")  ? loadClient(argc > 2 ? atol(argv[2]) : 1, argc > 3 ? argv[3] : "")
                                              : fail("unknown role");
     hs_disconnectBus();
     hs_raiseBaseEvent(0);

@@ -123,7 +123,8 @@ int hs_busEvents(void);
 int hs_busTimeout(uint64_t *usec);
 
 /* Polls the connection for at most timeoutMs (-1: until its own timeout):
- * >0 when hs_run has work, 0 on timeout, -errno. For hosts with no loop. */
+ * >0 when hs_run has work, 0 on timeout, -errno; -ENOTCONN once the bus has
+ * gone, its pending requests failed by then. For hosts with no loop. */
 int hs_waitBus(int timeoutMs);
 
 /* How long a command waits for its reply (µs, default 5 s). Past it, or on an
@@ -131,9 +132,31 @@ int hs_waitBus(int timeoutMs);
  * the client's callback not called. */
 void hs_setCallTimeout(uint64_t usec);
 
+/* Between two stand-ins a body of at least `bytes` (default 65536) crosses as
+ * a sealed memfd passed with the message, out of dbus-daemon's buffers: such a
+ * process calls servers on interface org.wifiap.IntfWifiAp1.Peer (body `ay`
+ * or `h`), and a server answers those calls alike; plain callers keep `ay`.
+ * 0: no memfd, and this process calls as a plain client. */
+void hs_setBusFdMin(uint32_t bytes);
+
 /* The user of those names: in this process or, connected, in another (its
  * notifications are subscribed to). NULL if neither. */
 ismUser_t hs_findUser(const char *busName, const char *userName);
+
+/* Calls fn for every user on the bus, this process's included. The number of
+ * users, or -errno. */
+int hs_busUsers(void (*fn)(void *ref, const char *busName, const char *userName), void *ref);
+
+/* A second connection to the bus at `address` (NULL as for hs_connectBus)
+ * that sees every body crossing it (BecomeMonitor). hs_monitorRun hands each
+ * one, read so far, to fn as an hs_trace of stage HS_TRACE_SENT (receiver
+ * NULL for a notification to all, text NULL), while the library's tables are
+ * given; it never blocks. hs_monitorBus returns the fd to poll for input, or
+ * -errno; hs_monitorRun the number of messages read, or -errno once the
+ * connection is lost; hs_monitorStop closes it. */
+int hs_monitorBus(const char *address, void (*fn)(void *ref, const hs_trace *t), void *ref);
+int hs_monitorRun(void);
+void hs_monitorStop(void);
 
 #ifdef __cplusplus
 }

@@ -170,7 +170,15 @@ struct Describe {
     }
 };
 
-// Bytes a table's fields reach in memory: room enough to read it into.
+// Reads the body header with the library's rules; false if they refuse it.
+bool readHeader(Out &out, c::Reader &rd, c::Header &h) {
+    return c::walkReadWith(c::kHeaderDesc, reinterpret_cast<uint8_t *>(&h), rd, Describe{&out}) == 0;
+}
+
+}  // namespace
+
+std::span<const Message> messages() { return kMessages; }
+
 size_t extent(const c::Desc &d) {
     size_t end = 0;
     for (uint32_t i = 0; i < d.count; ++i) {
@@ -183,15 +191,6 @@ size_t extent(const c::Desc &d) {
     }
     return end;
 }
-
-// Reads the body header with the library's rules; false if they refuse it.
-bool readHeader(Out &out, c::Reader &rd, c::Header &h) {
-    return c::walkReadWith(c::kHeaderDesc, reinterpret_cast<uint8_t *>(&h), rd, Describe{&out}) == 0;
-}
-
-}  // namespace
-
-std::span<const Message> messages() { return kMessages; }
 
 const char *tableName(bool isNtfy) { return isNtfy ? "IntfWifiApNtfy" : "IntfWifiApCmd"; }
 const char *sideName(const Message &m, uint32_t bodyType) {

@@ -31,6 +31,8 @@ const char *tableName(bool ntfy);
 const Message *findMessage(std::string_view name);
 // By table name and row index; null if none.
 const Message *findMessage(std::string_view table, uint32_t index);
+// Bytes a table's fields reach in memory: room enough to read it into.
+size_t extent(const codec::Desc &d);
 // Which side a body type is, in words: request, response or notification.
 const char *sideName(const Message &m, uint32_t bodyType);
 
