@@ -751,7 +751,8 @@ struct Monitor {
         static const char *const kRules[] = {
             "type='method_call',path_namespace='/org/wifiap'", "type='signal',path_namespace='/org/wifiap'",
             "type='method_return'", "type='error'",
-            "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged'"};
+            "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged'",
+            nullptr};  // a strv ends in NULL
         if (!address) address = getenv("DBUS_SESSION_BUS_ADDRESS");
         if (!address) return -ENOENT;
         sd_bus_message *call = nullptr;
