@@ -19,12 +19,6 @@ struct Wire {
 void PrintTo(const Wire &c, std::ostream *os) { *os << c.what; }
 
 const Wire kWire[] = {
-    {"u32 words, tags from 3", "conf", [](void *r) { *static_cast<conf *>(r) = conf{1, 258}; }, 0,
-     {0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0, 1, 0, 0, 0, 4, 0, 0, 0, 4, 0, 0, 1, 2}, 24},
-    {"u8 zero-extended, texts NUL-padded to 4n", "assocDevInfo",
-     [](void *r) { *static_cast<assocDevInfo *>(r) = assocDevInfo{"mm", 255, "abc"}; }, 0,
-     {0, 0, 0, 3, 0, 0, 0, 4, 'm', 'm', 0, 0,   0, 0, 0, 4, 0, 0, 0, 4, 0, 0, 0, 0xFF,
-      0, 0, 0, 5, 0, 0, 0, 8, 'a', 'b', 'c', 0, 0, 0, 0, 0}, 40},
     {"u64 words, a nested record and its list", "assocDevStats",
      [](void *v) {
          auto *r = static_cast<assocDevStats *>(v);

@@ -1,36 +1,20 @@
-// One end of a two-process exchange over D-Bus (tests/dbus/two_process.sh):
-//   server        serves every command and publishes on need-update;
-//   client        sends every command, asks every notification, checks what
-//                 came back is what the in-process run delivers;
-//   stalled       a server that never answers, printing "inflight";
-//   fault-client  one request to it, which must fail at once when it is killed;
-//   apd-client N  Configure and GetAssocDevStats to wifiap-apd, whose access
-//                 point is not created yet and has N stations;
-//   publisher     serves until SIGTERM, then no stand-in of a plain caller
-//                 (busctl) may outlive its name;
-//   subscriber    one notification, then again from the server's successor;
-//   sample N T    prints message N's sample body of type T as busctl's `ay`;
-// and for tests/dbus/faults.sh:
-//   holder        answers Configure 2 s late, printing "dropped" instead if its
-//                 client went meanwhile; until SIGTERM;
-//   one-client    one Configure, answered;
-//   orphan        a stalled server that must see the bus go;
-//   fault-client bus|timeout  its bus goes (the failure counted once, the end
-//                 reported), or its 0.3 s timeout passes;
-//   huge          bodies over the bus's limits refused, the connection kept;
-//   load-server N serves until SIGTERM, then N requests must have come and the
-//                 live heap at the Nth be within 256 KiB of that at the 1,000th;
-//   load-client N I  N Configure as ui/webI, 16 at a time, each answered once.
-// Exits 0 when every body received is the sample's and nothing leaked.
+// The test program of the D-Bus transport, one role per process (main lists
+// them; tests/dbus/*.sh start them). A server prints "ready" once its name is
+// on the bus, "inflight" as a request it will not answer arrives. Exits 0 when
+// every body received is the sample's (or the role's own) and nothing leaked.
 #include <errno.h>
+#include <fcntl.h>
 #include <malloc.h>
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <systemd/sd-bus.h>
 #include <time.h>
+#include <unistd.h>
 
-#include <algorithm>
 #include <functional>
 #include <map>
 #include <set>
@@ -42,6 +26,7 @@
 #include "dispatch.h"
 #include "messages.h"
 
+using ct::operator+;
 using mt::Bytes;
 using mt::Message;
 
@@ -95,10 +80,7 @@ bool pump(const std::function<bool()> &done, double seconds) {
     return false;
 }
 
-int fail(const char *what) {
-    fprintf(stderr, "dbus_peer: %s\n", what);
-    return 1;
-}
+int fail(const char *what) { return fprintf(stderr, "dbus_peer: %s\n", what), 1; }
 
 ismUser_t start(const char *bus, const char *name) {
     if (hs_connectBus(nullptr) != 0 || intfWifiap_initialize() != 0) return nullptr;
@@ -114,17 +96,22 @@ void hold(ismMsg_t msg, uintptr_t, const conf *) {
     printf("inflight\n"), fflush(stdout);
 }
 void answerHeld() {
-    for (auto it = g_held.begin(); it != g_held.end();) {
-        if (ismCore_isMsg_needRes(it->first) == 0 && now() - it->second < 2) {
-            ++it;
-            continue;
-        }
-        if (ismCore_isMsg_needRes(it->first) == 0)
-            intfWifiAp_sendRes_configure(it->first, 7), printf("answered\n");
-        else
-            printf("dropped\n");
-        fflush(stdout);
-        it = g_held.erase(it);
+    std::erase_if(g_held, [](const auto &held) {
+        bool owed = ismCore_isMsg_needRes(held.first) == 0;
+        if (owed && now() - held.second < 2) return false;
+        if (owed) intfWifiAp_sendRes_configure(held.first, 7);
+        return printf(owed ? "answered\n" : "dropped\n"), fflush(stdout), true;
+    });
+}
+
+// 100 stations of 312 rates: a body large enough to cross as a memfd.
+assocDevStatList g_list;
+void fillList() {
+    g_list.assocDevNum = INTFWIFIAP_ASSOCDEVSTATLIST_MAX;
+    for (uint32_t i = 0; i < g_list.assocDevNum; ++i) {
+        perRateStats &p = g_list.assocDevs[i].devStatus.devStats.perRate;
+        p.rateStatsNum = INTFWIFIAP_RATESTATS_MAX;
+        for (uint32_t r = 0; r < p.rateStatsNum; ++r) p.rates[r] = rateStats{i, r};
     }
 }
 
@@ -142,6 +129,11 @@ int serve(Serving how) {
                      reinterpret_cast<uintptr_t>(&m));
     if (how == Serving::Holder)
         hs_setMethod(g_server, HS_REQUEST, INTFWIFIAP_CMD_CONFIGURE, reinterpret_cast<void *>(hold), 0);
+    if (how == Serving::Publisher)
+        fillList(), hs_setMethod(g_server, HS_REQUEST, INTFWIFIAP_CMD_GETASSOCDEVSTATS,
+                                 reinterpret_cast<void *>(+[](ismMsg_t m, uintptr_t) {
+                                     intfWifiAp_sendRes_getAssocDevStats(m, &g_list);
+                                 }), 0);
     printf("ready\n"), fflush(stdout);
     if (how == Serving::Orphan)
         return pump([] { return false; }, 20), g_gone ? 0 : fail("the bus went unnoticed");
@@ -271,11 +263,12 @@ int huge() {
     row[ISM_ROW_NAME] = reinterpret_cast<uintptr_t>("Huge");
     row[ISM_ROW_FREE] = reinterpret_cast<uintptr_t>(+[](uint32_t, void *) {});
     row[ISM_ROW_SERIALIZE] = reinterpret_cast<uintptr_t>(hugeBody);
-    hs_setBusFdMin(0);  // bodies as `ay`, as a plain client sends them
-    // Past dbus-daemon's default message size (32 MiB) and its array length (64 MiB).
+    // Past dbus-daemon's default message size (32 MiB) as `ay`, as a plain client
+    // sends it, and past its array length (64 MiB) as a memfd, which has no other limit.
     int sent = 0;
     for (uint32_t mib : {40u, 65u}) {
         g_hugeSize = mib << 20;
+        hs_setBusFdMin(mib == 40 ? 0 : 64u << 10);
         uint32_t before = hs_getStats().failures;
         if (ismCore_sendMsgReq_toNameUser(ismIntf_getCore_user(me), &g_hugeCtx, nullptr, nullptr, 0,
                                           "ap", "apd", num, 0, ISM_ANY, ISM_SEND_FLAGS) ||
@@ -310,16 +303,13 @@ int loadClient(long n, const char *who) {
 
 uint32_t g_result = UINT32_MAX;
 int64_t g_stations = -1;
-bool g_macsDistinct = false;
 
 void onResult(ismMsg_t, uintptr_t, uint32_t result) { g_result = result; }
 void onStats(ismMsg_t, uintptr_t, const assocDevStatList *l) {
-    g_stations = l->assocDevNum;
-    std::vector<std::string> macs;
+    std::set<std::string> macs;
     for (uint32_t i = 0; i < l->assocDevNum && i < INTFWIFIAP_ASSOCDEVSTATLIST_MAX; ++i)
-        if (*l->assocDevs[i].devInfo.macAddress) macs.push_back(l->assocDevs[i].devInfo.macAddress);
-    std::sort(macs.begin(), macs.end());
-    g_macsDistinct = std::unique(macs.begin(), macs.end()) == macs.end() && macs.size() == l->assocDevNum;
+        if (*l->assocDevs[i].devInfo.macAddress) macs.insert(l->assocDevs[i].devInfo.macAddress);
+    g_stations = macs.size() == l->assocDevNum ? l->assocDevNum : -2;  // -2: a MAC missing or twice
 }
 
 int apdClient(const char *stations) {
@@ -333,9 +323,87 @@ int apdClient(const char *stations) {
         return fail("no answer to Configure, or no EncryptionStatus");
     if (g_result != 1) return fail("Configure taken before Create");
     if (!intfWifiAp_sendReq_getAssocDevStats(me, onStats, 0, "ap", "apd")) return fail("not sent");
-    if (!pump([] { return g_stations >= 0; }, 10)) return fail("no answer to GetAssocDevStats");
-    if (g_stations != atoi(stations) || !g_macsDistinct) return fail("other stations than started");
+    if (!pump([] { return g_stations != -1; }, 10)) return fail("no answer to GetAssocDevStats");
+    if (g_stations != atoi(stations)) return fail("other stations than started");
     return hs_getStats().failures ? fail("failures counted") : 0;
+}
+
+constexpr int kAllSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL;
+
+// A raw sd-bus call to ap/apd, the body as `ay` or, fd >= 0, as `h`: the
+// reply's signature ("h" only if sealed) and body in out, or the error's name.
+std::string rawCall(sd_bus *b, bool peer, const char *member, const Bytes &body, int fd, Bytes &out) {
+    sd_bus_message *m = nullptr, *reply = nullptr;
+    sd_bus_error e = SD_BUS_ERROR_NULL;
+    std::string got = "not sent";
+    out.clear();
+    const char *iface = peer ? "org.wifiap.IntfWifiAp1.Peer" : "org.wifiap.IntfWifiAp1";
+    int r = sd_bus_message_new_method_call(b, &m, "org.wifiap._ap._apd", "/org/wifiap/ap/apd", iface, member);
+    if (r >= 0)
+        r = fd >= 0 ? sd_bus_message_append(m, "h", fd) : sd_bus_message_append_array(m, 'y', body.data(), body.size());
+    if (r >= 0 && (r = sd_bus_call(b, m, 5'000'000, &e, &reply)) < 0) got = e.name ? e.name : "?";
+    if (r >= 0) got = sd_bus_message_get_signature(reply, 1);
+    const void *p = nullptr;
+    size_t n = 0;
+    struct stat st;
+    if (got == "ay" && sd_bus_message_read_array(reply, 'y', &p, &n) >= 0) {
+        out.assign(static_cast<const uint8_t *>(p), static_cast<const uint8_t *>(p) + n);
+    } else if (got == "h" && sd_bus_message_read(reply, "h", &fd) >= 0 && fstat(fd, &st) >= 0) {
+        if (fcntl(fd, F_GET_SEALS) != kAllSeals) got = "h, not sealed";
+        out.resize(size_t(st.st_size));
+        if (pread(fd, out.data(), out.size(), 0) != ssize_t(out.size())) out.clear();
+    }
+    sd_bus_error_free(&e), sd_bus_message_unref(reply), sd_bus_message_unref(m);
+    return got;
+}
+
+int memfdOf(const Bytes &b, int seals) {
+    int fd = memfd_create("hostile", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    bool ok = fd >= 0 && write(fd, b.data(), b.size()) == ssize_t(b.size());
+    if (ok && seals) ok = fcntl(fd, F_ADD_SEALS, seals) >= 0;
+    return ok ? fd : (close(fd), -1);
+}
+
+// The publisher's list, fetched as a stand-in, then on raw sd-bus: a peer's
+// call gets it as a sealed memfd, a plain one as `ay`; a request fd the
+// sender could still change, or no memfd at all, is refused, and a sealed
+// one served after them.
+int memfds() {
+    ismUser_t me = start("ui", "web");
+    const Message &get = mt::messages()[INTFWIFIAP_CMD_GETASSOCDEVSTATS];
+    const Message &cfg = mt::messages()[INTFWIFIAP_CMD_CONFIGURE];
+    fillList();
+    Bytes list(intfWifiAp_assocDevStatList_serialize_lg(&g_list));
+    uint8_t *cur = list.data();
+    intfWifiAp_assocDevStatList_serialize(&g_list, &cur);
+    if (!me || !hs_findUser("ap", "apd") || !get.send(me, "ap", "apd") ||
+        !pump([] { return mt::g_callback.calls > 0; }, 10) || mt::g_callback.payload != list)
+        return fail("no or another station list to a stand-in");
+    sd_bus *b = nullptr;
+    int pipeFds[2] = {-1, -1};
+    const Bytes req = cfg.body(0);
+    if (!getenv("DBUS_SESSION_BUS_ADDRESS") || sd_bus_open_user(&b) < 0 || pipe(pipeFds) < 0 ||
+        write(pipeFds[1], req.data(), req.size()) != ssize_t(req.size()))
+        return fail("no raw connection or pipe");
+    const char *refused = "org.wifiap.Error.Refused";
+    struct { const char *what; bool peer; int fd; std::string sig; Bytes body; } cases[] = {  // fd: Configure
+        {"the list to a peer", true, -1, "h", get.header() + list},
+        {"the list to a plain caller", false, -1, "ay", get.header() + list},
+        {"an unsealed memfd", true, memfdOf(req, 0), refused, {}},
+        {"a writable memfd", true, memfdOf(req, kAllSeals & ~F_SEAL_WRITE), refused, {}},
+        {"a pipe", true, pipeFds[0], refused, {}},
+        {"a sealed memfd", true, memfdOf(req, kAllSeals), "ay", cfg.body(1)}};
+    int status = 0;
+    for (auto &c : cases) {
+        Bytes got;
+        std::string sig = rawCall(b, c.peer, c.fd < 0 ? "GetAssocDevStats" : "Configure", get.body(0), c.fd, got);
+        if (sig != c.sig || got != c.body)
+            status = fail((std::string(c.what) + ": " + sig + ", not " + c.sig + ", or another body").c_str());
+        if (c.fd >= 0) close(c.fd);
+    }
+    close(pipeFds[1]);
+    sd_bus_flush_close_unref(b);
+    return status;
 }
 
 }  // namespace
@@ -355,6 +423,7 @@ int main(int argc, char **argv) {
              : !strcmp(role, "one-client")   ? loadClient(1, "")
              : !strcmp(role, "orphan")       ? serve(Serving::Orphan)
              : !strcmp(role, "huge")         ? huge()
+             : !strcmp(role, "memfd")        ? memfds()
              : !strcmp(role, "load-server")  ? (g_loadTotal = argc > 2 ? atol(argv[2]) : 1, serve(Serving::Load))
              : !strcmp(role, "load-client")  ? loadClient(argc > 2 ? atol(argv[2]) : 1, argc > 3 ? argv[3] : "")
                                              : fail("unknown role");

@@ -7,12 +7,6 @@ using ::testing::IsEmpty;
 
 namespace {
 
-using Words = std::vector<uintptr_t>;
-
-uintptr_t w(const void *p) { return reinterpret_cast<uintptr_t>(p); }
-template <typename F>
-uintptr_t fnw(F f) { return reinterpret_cast<uintptr_t>(f); }
-
 // Block of a table: name, unreg callback, word 2 untouched, six words a row.
 void expectBlock(const std::string &table, const intfWifiAp_tableHdr &hdr,
                  const intfWifiAp_msgEntry *rows, const std::vector<std::string> &names) {
@@ -20,7 +14,7 @@ void expectBlock(const std::string &table, const intfWifiAp_tableHdr &hdr,
     ASSERT_EQ(b.size(), ISM_BLOCK_WORDS(names.size()));
     EXPECT_EQ(b[ISM_BLOCK_NAME], w(hdr.name));
     EXPECT_STREQ(hdr.name, table.c_str());
-    EXPECT_EQ(b[ISM_BLOCK_UNREG], fnw(hdr.unreg));
+    EXPECT_EQ(b[ISM_BLOCK_UNREG], w(hdr.unreg));
     EXPECT_EQ(b[ISM_BLOCK_UNREG + 1], fake::kUntouched);
     for (size_t i = 0; i < names.size(); ++i) {
         const intfWifiAp_msgEntry &e = rows[i];
@@ -28,8 +22,8 @@ void expectBlock(const std::string &table, const intfWifiAp_tableHdr &hdr,
         EXPECT_STREQ(e.name, names[i].c_str());
         const auto row = b.begin() + ISM_BLOCK_ROWS + ISM_ROW_WORDS * i;
         EXPECT_EQ(Words(row, row + ISM_ROW_WORDS),
-                  (Words{0, w(e.name), fnw(e.freeBody), fnw(e.serializeBody),
-                         fnw(e.unserializeBody), fnw(e.logBody)}))
+                  (Words{0, w(e.name), w(e.freeBody), w(e.serializeBody),
+                         w(e.unserializeBody), w(e.logBody)}))
             << table << " row " << i;
     }
 }
@@ -42,7 +36,7 @@ TEST_F(Frame, AddHandsOverBothTablesThenDeleteGivesThemBack) {
     ASSERT_EQ(intfWifiap_initialize(), 0);
     EXPECT_EQ(fake::names(), (std::vector<std::string>{"ismCore_getBase_msgMngt",
                                                        "ismCore_getBase_msgMngt", "evlp_addEvtBase"}));
-    EXPECT_EQ(fake::calls()[2].args, (Words{fnw(intfWifiAp_cbEvtBase), w(&intfWifiAp_base)}));
+    EXPECT_EQ(fake::calls()[2].args, (Words{w(intfWifiAp_cbEvtBase), w(&intfWifiAp_base)}));
     expectBlock("IntfWifiApCmd", intfWifiAp_base.cmdHdr, intfWifiAp_base.cmd,
                 {"Configure", "SetBridgeAndIps", "SetIps", "Create", "Ssidinfo", "Stop",
                  "StartWPS", "StartPhysicalWPS", "ToogleWps", "StopWps", "GeneratePinCodeWPS",
@@ -82,71 +76,46 @@ struct Refusal {
     uint8_t flags, state;
 };
 
-void refuseCmd() { fake::answer("ismCore_getBase_msgMngt", {INTFWIFIAP_NUM_NONE}); }
-void nullCmdBlock() { fake::noBlock(); }
-void refuseNtfy() { fake::answer("ismCore_getBase_msgMngt", {fake::kCmdNum, INTFWIFIAP_NUM_NONE}); }
-void refuseLoop() { fake::answer("evlp_addEvtBase", {-7}); }
-void none() {}
-void addedFirst() {
-    intfWifiAp_addBase();
-    cap::reset();
-    fake::reset();
-}
-// A retry asks for both tables again, their flags cleared first: no warning.
-void loopRefusedFirst() {
-    refuseLoop();
-    intfWifiAp_addBase();
-    cap::reset();
-    fake::reset();
-}
-void refusePutCmd() {
-    addedFirst();
-    fake::answer("ismCore_putBase_msgMngt", {9});
-}
-void refusePutNtfy() {
-    addedFirst();
-    fake::answer("ismCore_putBase_msgMngt", {0, 9});
-}
-
 const std::string kGet = "ismCore_getBase_msgMngt", kPut = "ismCore_putBase_msgMngt",
-                  kLoop = "evlp_addEvtBase";
+                  kLoop = "evlp_addEvtBase", kAdd = "intfWifiAp_addBase: ",
+                  kDel = "intfWifiAp_delBase: ";
 const std::string kStateWait =
     "Check State[INTFWIFIAP_STATE_BASE_WAIT_INIT-0] Ctx[ptr(%s) state(1)] text[]\n";
 const std::string kStateInit =
     "Check State[INTFWIFIAP_STATE_BASE_INIT-1] Ctx[ptr(%s) state(0)] text[]\n";
 constexpr uint8_t kBoth = INTFWIFIAP_FLAGS_BASE_REG_CMD | INTFWIFIAP_FLAGS_BASE_REG_NTFY;
 constexpr uint8_t kWait = INTFWIFIAP_STATE_BASE_WAIT_INIT, kInit = INTFWIFIAP_STATE_BASE_INIT;
-constexpr uint16_t kNone = INTFWIFIAP_NUM_NONE;
+constexpr uint16_t kNone = INTFWIFIAP_NUM_NONE, kCmd = fake::kCmdNum, kNtfy = fake::kNtfyNum;
 constexpr int32_t kTable = INTFWIFIAP_ERR_TABLE, kState = INTFWIFIAP_ERR_STATE;
+void refuseLoop() { fake::answer(kLoop, {-7}); }
 
 const Refusal kRefusals[] = {
-    {"cmdTableRefused", refuseCmd, intfWifiAp_addBase, kTable, {kGet},
-     {"intfWifiAp_addBase: Add command message management failed\n"}, kNone, kNone, 0, kWait},
-    {"cmdBlockMissing", nullCmdBlock, intfWifiAp_addBase, kTable, {kGet},
-     {"intfWifiAp_addBase: Add command message management failed\n"}, fake::kCmdNum, kNone, 0,
-     kWait},
-    {"ntfyTableRefused", refuseNtfy, intfWifiAp_addBase, kTable, {kGet, kGet},
-     {"intfWifiAp_addBase: Add notification message management failed\n"}, fake::kCmdNum, kNone,
+    {"cmdTableRefused", [] { fake::answer(kGet, {kNone}); }, intfWifiAp_addBase, kTable, {kGet},
+     {kAdd + "Add command message management failed\n"}, kNone, kNone, 0, kWait},
+    {"cmdBlockMissing", fake::noBlock, intfWifiAp_addBase, kTable, {kGet},
+     {kAdd + "Add command message management failed\n"}, kCmd, kNone, 0, kWait},
+    {"ntfyTableRefused", [] { fake::answer(kGet, {kCmd, kNone}); }, intfWifiAp_addBase, kTable,
+     {kGet, kGet}, {kAdd + "Add notification message management failed\n"}, kCmd, kNone,
      INTFWIFIAP_FLAGS_BASE_REG_CMD, kWait},
     {"loopRefused", refuseLoop, intfWifiAp_addBase, -7, {kGet, kGet, kLoop},
-     {"intfWifiAp_addBase: Add event base failed(-7)\n"}, fake::kCmdNum, fake::kNtfyNum, kBoth,
-     kWait},
+     {kAdd + "Add event base failed(-7)\n"}, kCmd, kNtfy, kBoth, kWait},
     {"initializeReportsAddFailure", refuseLoop, intfWifiap_initialize, -7, {kGet, kGet, kLoop},
-     {"intfWifiAp_addBase: Add event base failed(-7)\n",
-      "intfWifiap_initialize: Add Base failed(-7)\n"},
-     fake::kCmdNum, fake::kNtfyNum, kBoth, kWait},
-    {"retryAfterLoopRefused", loopRefusedFirst, intfWifiAp_addBase, 0, {kGet, kGet, kLoop}, {},
-     fake::kCmdNum, fake::kNtfyNum, kBoth, kInit},
-    {"addTwice", addedFirst, intfWifiAp_addBase, kState, {}, {"intfWifiAp_addBase: " + kStateWait},
-     fake::kCmdNum, fake::kNtfyNum, kBoth, kInit},
-    {"deleteBeforeAdd", none, intfWifiAp_delBase, kState, {}, {"intfWifiAp_delBase: " + kStateInit},
-     kNone, kNone, 0, kWait},
-    {"cmdGiveBackRefused", refusePutCmd, intfWifiAp_delBase, 9, {kPut},
-     {"intfWifiAp_delBase: Put command message management(33) failed(9)\n"}, fake::kCmdNum,
-     fake::kNtfyNum, kBoth, kInit},
-    {"ntfyGiveBackRefused", refusePutNtfy, intfWifiAp_delBase, 9, {kPut, kPut},
-     {"intfWifiAp_delBase: Put notification message management(34) failed(9)\n"}, kNone,
-     fake::kNtfyNum, INTFWIFIAP_FLAGS_BASE_REG_NTFY, kInit},
+     {kAdd + "Add event base failed(-7)\n", "intfWifiap_initialize: Add Base failed(-7)\n"},
+     kCmd, kNtfy, kBoth, kWait},
+    // A retry asks for both tables again, their flags cleared first: no warning.
+    {"retryAfterLoopRefused", [] { refuseLoop(), Frame::added(); }, intfWifiAp_addBase, 0,
+     {kGet, kGet, kLoop}, {}, kCmd, kNtfy, kBoth, kInit},
+    {"addTwice", Frame::added, intfWifiAp_addBase, kState, {}, {kAdd + kStateWait}, kCmd, kNtfy,
+     kBoth, kInit},
+    {"deleteBeforeAdd", [] {}, intfWifiAp_delBase, kState, {}, {kDel + kStateInit}, kNone, kNone,
+     0, kWait},
+    {"cmdGiveBackRefused", [] { Frame::added(), fake::answer(kPut, {9}); }, intfWifiAp_delBase,
+     9, {kPut}, {kDel + "Put command message management(33) failed(9)\n"}, kCmd, kNtfy, kBoth,
+     kInit},
+    {"ntfyGiveBackRefused", [] { Frame::added(), fake::answer(kPut, {0, 9}); },
+     intfWifiAp_delBase, 9, {kPut, kPut},
+     {kDel + "Put notification message management(34) failed(9)\n"}, kNone, kNtfy,
+     INTFWIFIAP_FLAGS_BASE_REG_NTFY, kInit},
 };
 
 void PrintTo(const Refusal &r, std::ostream *os) { *os << r.name; }

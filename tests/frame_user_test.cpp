@@ -5,9 +5,6 @@ using ::testing::IsEmpty;
 
 namespace {
 
-using Words = std::vector<uintptr_t>;
-
-ismUser_t const kUser = reinterpret_cast<ismUser_t>(0x1000);
 void *const kParam = reinterpret_cast<void *>(0x2000);
 void *const kRef = reinterpret_cast<void *>(0x3000);
 
@@ -21,14 +18,8 @@ struct Selection {
 
 void PrintTo(const Selection &s, std::ostream *os) { *os << s.name; }
 
-void both() {
-    ASSERT_EQ(intfWifiAp_addBase(), 0);
-    fake::reset();
-}
-void nothing() {}
-void ntfyOnly() { intfWifiAp_base.ntfyHdr.num = fake::kNtfyNum; }
 void cmdDropped() {
-    both();
+    Frame::added();
     intfWifiAp_cbEvtMsgMngt_unreg_msgCmd(fake::kCmdNum);  // its number is kept for users
 }
 
@@ -40,9 +31,8 @@ TEST_P(Registration, AsksTheSelectedTablesInOrder) {
     EXPECT_EQ(intfWifiAp_regUser_msgMngt(kUser, kParam, kRef, s.which), 0);
     EXPECT_EQ(intfWifiAp_unregUser_msgMngt(kUser, s.which), 0);
     std::vector<Words> expected;
-    for (uint16_t n : s.nums)
-        expected.push_back({(uintptr_t)kUser, (uintptr_t)kParam, (uintptr_t)kRef, n, ISM_ANY, 0});
-    for (uint16_t n : s.nums) expected.push_back({(uintptr_t)kUser, n, ISM_ANY, 0});
+    for (uint16_t n : s.nums) expected.push_back({w(kUser), w(kParam), w(kRef), n, ISM_ANY, 0});
+    for (uint16_t n : s.nums) expected.push_back({w(kUser), n, ISM_ANY, 0});
     std::vector<Words> got;
     for (const fake::Call &c : fake::calls()) got.push_back(c.args);
     EXPECT_EQ(got, expected);
@@ -51,13 +41,14 @@ TEST_P(Registration, AsksTheSelectedTablesInOrder) {
 
 INSTANTIATE_TEST_SUITE_P(
     Which, Registration,
-    ::testing::Values(Selection{"all", 0, both, {fake::kCmdNum, fake::kNtfyNum}},
-                      Selection{"cmd", 1, both, {fake::kCmdNum}},
-                      Selection{"ntfy", 2, both, {fake::kNtfyNum}},
-                      Selection{"unknownSelection", 3, both, {}},
-                      Selection{"nothingHeld", 0, nothing, {}},
-                      Selection{"onlyNtfyHeld", 0, ntfyOnly, {fake::kNtfyNum}},
-                      Selection{"droppedCmd", 1, cmdDropped, {fake::kCmdNum}}),
+    ::testing::Values(
+        Selection{"all", 0, Frame::added, {fake::kCmdNum, fake::kNtfyNum}},
+        Selection{"cmd", 1, Frame::added, {fake::kCmdNum}},
+        Selection{"ntfy", 2, Frame::added, {fake::kNtfyNum}},
+        Selection{"unknownSelection", 3, Frame::added, {}}, Selection{"nothingHeld", 0, [] {}, {}},
+        Selection{"onlyNtfyHeld", 0, [] { intfWifiAp_base.ntfyHdr.num = fake::kNtfyNum; },
+                  {fake::kNtfyNum}},
+        Selection{"droppedCmd", 1, cmdDropped, {fake::kCmdNum}}),
     [](const auto &info) { return std::string(info.param.name); });
 
 // A failure on the command table stops before the notification table; one on
@@ -85,8 +76,8 @@ TEST_F(Frame, FindPassesTheInterfaceName) {
     EXPECT_EQ(intfWifiAp_findSrvMthdNtfyUser(kUser, kParam, 0xBEEF, kRef), -4);
     ASSERT_EQ(fake::calls().size(), 1u);
     const Words &a = fake::calls()[0].args;
-    EXPECT_EQ(a, (Words{(uintptr_t)kUser, (uintptr_t)kParam, (uintptr_t)intfWifiAp_base.name,
-                        0xBEEF, (uintptr_t)kRef}));
+    EXPECT_EQ(a, (Words{w(kUser), w(kParam), w(intfWifiAp_base.name),
+                        0xBEEF, w(kRef)}));
     EXPECT_STREQ(intfWifiAp_base.name, "IntfWifiAp");
 }
 

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -119,12 +120,8 @@ std::vector<std::string> normalize(const std::string &text) {
     auto add = [&](const std::string &l) {
         if (!packets.empty()) packets.back() += l + "\n";
     };
-    size_t from = 0;
-    while (from < text.size()) {
-        size_t eol = text.find('\n', from);
-        if (eol == std::string::npos) eol = text.size();
-        std::string l = text.substr(from, eol - from);
-        from = eol + 1;
+    std::istringstream in(text);
+    for (std::string l; std::getline(in, l);) {
         l.erase(0, l.find_first_not_of(' '));
         const bool frame = l.rfind("Frame ", 0) == 0 && l.size() > 6 && isdigit(uint8_t(l[6]));
         if (frame || (l.size() > 1 && l[0] == '#' && isdigit(uint8_t(l[1])))) {
@@ -162,16 +159,9 @@ int main(int argc, char **argv) {
     fs::create_directories(work);
 
     std::vector<Crossing> bases, all;
-    const std::string capture = slurp(argv[4]);
-    for (size_t from = 0; from < capture.size();) {
-        size_t eol = capture.find('\n', from);
-        if (eol == std::string::npos) eol = capture.size();
-        Crossing c;
-        std::string why;
-        if (parseCaptureLine(std::string_view(capture).substr(from, eol - from), c, why))
-            bases.push_back(std::move(c));
-        from = eol + 1;
-    }
+    std::istringstream capture(slurp(argv[4]));
+    for (std::string l, why; std::getline(capture, l);)
+        if (Crossing c; parseCaptureLine(l, c, why)) bases.push_back(std::move(c));
     const size_t fromCapture = bases.size();
     for (const auto &entry : fs::directory_iterator(argv[5])) {
         Crossing c;

@@ -13,8 +13,10 @@
 #include "access_point.h"
 #include "decode_cli.h"
 #include "wps_pin.h"
+#include "support/elements.h"
 
 using namespace wifiap::tools;
+using ct::operator+;
 
 namespace {
 
@@ -52,33 +54,17 @@ TEST(Capture, EveryBodyReplaysToTheSameBytes) {
     }
     for (const Message &m : messages()) {
         EXPECT_TRUE(seen.count({m.name, 0})) << m.name << " request missing from the capture";
-        if (m.res) {
-            EXPECT_TRUE(seen.count({m.name, 1})) << m.name << " response missing";
-        }
+        EXPECT_TRUE(!m.res || seen.count({m.name, 1})) << m.name << " response missing";
     }
 }
 
-// Bodies in hex: a header and elements.
-std::string el(uint32_t tag, const std::string &valueHex) {
-    char head[20];
-    snprintf(head, sizeof head, "%08x%08x", tag, unsigned(valueHex.size() / 2));
-    return head + valueHex;
+// Bodies in hex, as wifiap-decode reads them.
+std::string hex(const ct::Bytes &b) {
+    std::string s;
+    for (uint8_t c : b) s += "0123456789abcdef"[c >> 4], s += "0123456789abcdef"[c & 15];
+    return s;
 }
-std::string u32(uint32_t tag, uint32_t v) {
-    char b[9];
-    snprintf(b, sizeof b, "%08x", v);
-    return el(tag, b);
-}
-std::string text(uint32_t tag, const std::string &s) {
-    std::string hex;
-    char b[3];
-    for (unsigned char ch : s) snprintf(b, sizeof b, "%02x", ch), hex += b;
-    hex += "00";
-    while (hex.size() % 8) hex += "00";
-    if ((s.size() + 1) % 4 == 0) hex += "00000000";
-    return el(tag, hex);
-}
-std::string hdr(uint32_t magic, uint32_t version) { return u32(0, magic) + u32(1, version); }
+ct::Bytes hdr(uint32_t magic) { return ct::scalar(0, magic) + ct::scalar(1, 0); }
 
 struct Case {
     const char *name;
@@ -108,27 +94,24 @@ const uint32_t kConf = INTFWIFIAP_MAGIC_MSGCMD_CONFIGURE;
 const std::vector<std::string> kConfigureReq{"--msg", "configure", "--request"};
 
 INSTANTIATE_TEST_SUITE_P(
-    Refusals, Decode,
+    Bodies, Decode,
     ::testing::Values(
-        Case{"WrongPayloadTag", kConfigureReq, hdr(kConf, 0) + u32(3, 1) + u32(5, 2), 1,
+        Case{"WrongPayloadTag", kConfigureReq,
+             hex(hdr(kConf) + ct::scalar(3, 1) + ct::scalar(5, 2)), 1,
              {"value1 = 1", "!! offset 36", "code 4", "intfWifiAp_conf_unserialize: pBody(",
               "Tl(5-4) expectded(4)"}},
-        Case{"UnknownMagic", {}, hdr(0x11111111, 0) + text(3, "Hi"), 1,
-             {"no message has this header", "3 (4 bytes) 1214840832 (0x48690000) or \"Hi\""}}));
-
-INSTANTIATE_TEST_SUITE_P(
-    Accepted, Decode,
-    ::testing::Values(Case{"SharedMagicListsEveryCandidate", {},
-                           hdr(INTFWIFIAP_MAGIC_MSGCMD_STOP, 0) + text(3, "HomeNet"), 0,
-                           {"fits 4 messages: Ssidinfo request, Ssidinfo response, Stop request, "
-                            "Stop response",
-                            "text = \"HomeNet\"", "accepted"}},
-                      // Hex as words is a body, not a capture line; a scalar stating
-                      // length 0 is read as its next 4 bytes, as the library reads it.
-                      Case{"HexWordsAndAShortScalar", kConfigureReq,
-                           "00000000 00000004 20137855 00000001 00000004 00000000 00000003 "
-                           "00000000 00000004 00000004 00000003",
-                           0, {"value1 = 4", "value2 = 3", "accepted"}}));
+        Case{"UnknownMagic", {}, hex(hdr(0x11111111) + ct::text(3, "Hi")), 1,
+             {"no message has this header", "3 (4 bytes) 1214840832 (0x48690000) or \"Hi\""}},
+        Case{"SharedMagicListsEveryCandidate", {},
+             hex(hdr(INTFWIFIAP_MAGIC_MSGCMD_STOP) + ct::text(3, "HomeNet")), 0,
+             {"fits 4 messages: Ssidinfo request, Ssidinfo response, Stop request, Stop response",
+              "text = \"HomeNet\"", "accepted"}},
+        // Hex as words is a body, not a capture line; a scalar stating
+        // length 0 is read as its next 4 bytes, as the library reads it.
+        Case{"HexWordsAndAShortScalar", kConfigureReq,
+             "00000000 00000004 20137855 00000001 00000004 00000000 00000003 "
+             "00000000 00000004 00000004 00000003",
+             0, {"value1 = 4", "value2 = 3", "accepted"}}));
 
 TEST(WpsPin, ChecksumDigitOfKnownPins) {
     for (uint32_t pin : {12345670u, 0u, 87654325u, 11111115u}) EXPECT_TRUE(wpsPinValid(pin)) << pin;

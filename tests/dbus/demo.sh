@@ -20,7 +20,6 @@ grep -H '!!' "$work"/*.out >&2 && fail "a process found fault"
 names=$(sed -n 's/^wifiap-apd: \(command\|published\) \([A-Za-z]*\).*/\2/p' "$work/apd.out" | sort -u)
 [ "$(wc -l <<<"$names")" = 20 ] || fail "the server saw $(wc -l <<<"$names") messages, not 20"
 members=$("$tshark" -r "$work/bus.pcap" -T fields -e dbus.member 2>"$work/tshark.err" | sort -u)
-for n in $names; do
-  grep -qx "$n" <<<"$members" || fail "$n is not in the bus capture"
-done
+missing=$(comm -23 <(echo "$names") <(echo "$members"))
+[ -z "$missing" ] || fail "not in the bus capture:" $missing
 exit $status
