@@ -45,8 +45,7 @@ void cbCreate(M m, uintptr_t r, B a, B b, uint32_t v) {
 }
 
 // A sample record, alive until the end of the send.
-template <typename R>
-const R *ptr(const R &r) { return &r; }
+template <typename R> const R *ptr(const R &r) { return &r; }
 
 const assocDevStatList *stats() {
     static auto *s = new assocDevStatList{2, "stats", {}};  // too big for a stack
@@ -72,14 +71,14 @@ const assocDevList kDevs{2, {{"01:02:03:04:05:06", 1, "one"}, {"0a:0b:0c:0d:0e:0
 // Magics written out, not taken from the public header.
 std::vector<Message> build() {
     std::vector<Message> v{
-        {CMD(configure), .magic = 0x20137855, .version = 0, .method = FN((mRec<c::kConf, conf>)),
+        {CMD(configure), .magic = 0x20137855, .method = FN((mRec<c::kConf, conf>)),
          .sendWith = SEND(configure(u, CB(cbWord), kRef, b, n, P(ptr(conf{1, 2})))),
          .request = scalar(3, 1) + scalar(4, 2), .nullReq = "conf",
          .answerWith = ANSWER(configure(msg, 7)), .response = scalar(3, 7)},
-        {CMD(setBridgeAndIps), .magic = 0x37102445, .version = 0, .method = FN(mText2),
+        {CMD(setBridgeAndIps), .magic = 0x37102445, .method = FN(mText2),
          .sendWith = SEND(setBridgeAndIps(u, b, n, P("br-lan"), P("192.168.1.1"))),
          .request = text(3, "br-lan") + text(4, "192.168.1.1"), .nullReq = "bridge"},
-        {CMD(setIps), .magic = 0x37102446, .version = 0, .method = FN(mText),
+        {CMD(setIps), .magic = 0x37102446, .method = FN(mText),
          .sendWith = SEND(setIps(u, b, n, P("192.168.100.200/24"))),
          .request = text(3, "192.168.100.200"), .nullReq = "ips"},
         {CMD(create), .magic = 0x73913232, .version = 1, .method = FN(mText2),
@@ -88,37 +87,33 @@ std::vector<Message> build() {
          .answerWith = ANSWER(create(msg, P("ap0"), P("wlan0-1-with-a-long-name"), 9)),
          .response = text(3, "ap0") + text(4, "wlan0-1-with-a-long") + scalar(5, 9),
          .nullRes = "text1"},
-        {CMD(ssidinfo), .magic = 0x38192421, .version = 0, .method = FN(mText),
+        {CMD(ssidinfo), .magic = 0x38192421, .method = FN(mText),
          .sendWith = SEND(ssidinfo(u, CB(cbWord), kRef, b, n, P("guest"))),
          .request = text(3, "guest"), .nullReq = "text", .answerWith = ANSWER(ssidinfo(msg, 4)),
          .response = scalar(3, 4)},
-        {CMD(stop), .magic = 0x38192421, .version = 0, .method = FN(mVoid),
-         .sendWith = SEND(stop(u, CB(cbWord), kRef, b, n)), .request = {},
+        {CMD(stop), .magic = 0x38192421, .method = FN(mVoid),
+         .sendWith = SEND(stop(u, CB(cbWord), kRef, b, n)),
          .answerWith = ANSWER(stop(msg, 0x11)), .response = scalar(3, 0x11)},
-        {CMD(startWPS), .magic = 0x93251950, .version = 0,
-         .method = FN((mRec<c::kWpsInfoIn, wpsInfoIn>)),
+        {CMD(startWPS), .magic = 0x93251950, .method = FN((mRec<c::kWpsInfoIn, wpsInfoIn>)),
          .sendWith = SEND(startWPS(u, CB((rec<c::kWpsInfoOut, wpsInfoOut>)), kRef, b, n,
                                    P(ptr(wpsInfoIn{5})))),
          .request = scalar(3, 5), .nullReq = "wpsInfoIn",
          .answerWith = ANSWER(startWPS(msg, P(ptr(wpsInfoOut{6})))), .response = scalar(3, 6),
          .nullRes = "wpsInfoOut"},
-        {CMD(startPhysicalWPS), .magic = 0x93251950, .version = 0,
-         .method = FN((mRec<c::kWpsInfoIn, wpsInfoIn>)),
+        {CMD(startPhysicalWPS), .magic = 0x93251950, .method = FN((mRec<c::kWpsInfoIn, wpsInfoIn>)),
          .sendWith = SEND(startPhysicalWPS(u, CB((rec<c::kWpsInfoOut, wpsInfoOut>)), kRef, b, n,
                                            P(ptr(wpsInfoIn{8})))),
          .request = scalar(3, 8), .nullReq = "wpsInfoIn",
          .answerWith = ANSWER(startPhysicalWPS(msg, P(ptr(wpsInfoOut{9})))),
          .response = scalar(3, 9), .nullRes = "wpsInfoOut"},
-        {CMD(toogleWps), .magic = 0x93251942, .version = 0, .method = FN(mVoid),
-         .sendWith = SEND(toogleWps(u, b, n)), .request = {}},
-        {CMD(stopWps), .magic = 0x22110722, .version = 0, .method = FN(mVoid),
-         .sendWith = SEND(stopWps(u, b, n)), .request = {}},
-        {CMD(generatePinCodeWPS), .magic = 0x93251872, .version = 0, .method = FN(mVoid),
-         .sendWith = SEND(generatePinCodeWPS(u, CB(cbWord), kRef, b, n)), .request = {},
+        {CMD(toogleWps), .magic = 0x93251942, .method = FN(mVoid), .sendWith = SEND(toogleWps(u, b, n))},
+        {CMD(stopWps), .magic = 0x22110722, .method = FN(mVoid), .sendWith = SEND(stopWps(u, b, n))},
+        {CMD(generatePinCodeWPS), .magic = 0x93251872, .method = FN(mVoid),
+         .sendWith = SEND(generatePinCodeWPS(u, CB(cbWord), kRef, b, n)),
          .answerWith = ANSWER(generatePinCodeWPS(msg, 12345670)), .response = scalar(3, 12345670)},
-        {CMD(toogleWifi), .magic = 0x93251942, .version = 0, .method = FN(mVoid),
-         .sendWith = SEND(toogleWifi(u, b, n)), .request = {}},
-        {CMD(sendAccountingRequest), .magic = 0x57102423, .version = 0,
+        {CMD(toogleWifi), .magic = 0x93251942, .method = FN(mVoid),
+         .sendWith = SEND(toogleWifi(u, b, n))},
+        {CMD(sendAccountingRequest), .magic = 0x57102423,
          .method = FN((mRec<c::kAccountingParams, accountingParams>)),
          .sendWith = SEND(sendAccountingRequest(
              u, CB((rec<c::kAccountingResult, accountingResult>)), kRef, b, n,
@@ -130,17 +125,15 @@ std::vector<Message> build() {
          .answerWith = ANSWER(sendAccountingRequest(msg, P(ptr(accountingResult{7, "accepted", 8})))),
          .response = scalar(3, 7) + text(4, "accepted") + scalar(5, 8),
          .nullRes = "accountingResult"},
-        {CMD(getAssocDevStats), .magic = 0x57102427, .version = 0, .method = FN(mVoid),
-         .sendWith = SEND(getAssocDevStats(
-             u, CB((rec<c::kAssocDevStatList, assocDevStatList>)), kRef, b, n)),
-         .request = {}, .answerWith = ANSWER(getAssocDevStats(msg, P(stats()))),
+        {CMD(getAssocDevStats), .magic = 0x57102427, .method = FN(mVoid),
+         .sendWith = SEND(getAssocDevStats(u, CB((rec<c::kAssocDevStatList, assocDevStatList>)), kRef, b, n)),
+         .answerWith = ANSWER(getAssocDevStats(msg, P(stats()))),
          .response = enc(c::kAssocDevStatList, stats()), .nullRes = "assocDevStatList"},
-        {CMD(forceApplyMacFilterChange), .magic = 0x57102428, .version = 0, .method = FN(mVoid),
-         .sendWith = SEND(forceApplyMacFilterChange(u, b, n)), .request = {}},
-        {NTFY(onProbeReceived), UPDATE(OnProbeReceived), .magic = 0x20179026, .version = 0,
+        {CMD(forceApplyMacFilterChange), .magic = 0x57102428, .method = FN(mVoid),
+         .sendWith = SEND(forceApplyMacFilterChange(u, b, n))},
+        {NTFY(onProbeReceived), UPDATE(OnProbeReceived), .magic = 0x20179026,
          .method = FN((rec<c::kProbeRequest, probeRequest, g_method>)),
-         .sendWith = PUBLISH(OnProbeReceived(
-             u, b, n, P(ptr(probeRequest{"00:11:22:33:44:55", "ssid", 42})))),
+         .sendWith = PUBLISH(OnProbeReceived(u, b, n, P(ptr(probeRequest{"00:11:22:33:44:55", "ssid", 42})))),
          .request = text(3, "00:11:22:33:44:55") + text(4, "ssid") + scalar(5, 42),
          .nullReq = "probeRequest"},
         {NTFY(assocDevActiveListChanged), UPDATE(AssocDevActiveListChanged), .magic = 0x13531940,
@@ -170,11 +163,7 @@ const std::vector<Message> &messages() {
     static const std::vector<Message> v = build();
     return v;
 }
-std::vector<Message> commands() {
-    return {messages().begin(), messages().begin() + INTFWIFIAP_CMD_COUNT};
-}
-std::vector<Message> notifications() {
-    return {messages().begin() + INTFWIFIAP_CMD_COUNT, messages().end()};
-}
+std::vector<Message> commands() { return {messages().begin(), messages().begin() + INTFWIFIAP_CMD_COUNT}; }
+std::vector<Message> notifications() { return {messages().begin() + INTFWIFIAP_CMD_COUNT, messages().end()}; }
 
 }  // namespace mt

@@ -30,12 +30,12 @@ struct Message {
     int32_t (*modCli)(ismUser_t, void *, void *, void *, const char *, const char *) = nullptr;
     int32_t (*needUpdate)(ismUser_t, void *, void *, void *) = nullptr;
     uint32_t magic;
-    uint16_t version;
+    uint16_t version = 0;
     void *method;  // records what it receives in g_method
     // Sends the sample request (a two-way command's callback records the
     // response in g_callback) or publishes the sample notification.
     std::function<uint32_t(ismUser_t, const char *bus, const char *user, Mode)> sendWith;
-    Bytes request;             // its payload elements
+    Bytes request = {};        // its payload elements
     std::string nullReq = "";  // the argument a null payload is refused for ("": none)
     std::function<void(ismMsg_t, Mode)> answerWith = {};  // two-way: sends the sample response
     Bytes response = {};

@@ -30,19 +30,15 @@ long g_live = 0;
 std::unordered_set<void *> g_blocks;
 uint32_t g_lastFreed = 0;
 
-bool shouldFail() {
-    if (g_failIn < 0) return false;
-    return g_failIn-- == 0;
-}
+bool shouldFail() { return g_failIn >= 0 && g_failIn-- == 0; }
 
 void record(int prio, const std::string &s) {
     if (prio == LOG_EMERG) fprintf(stderr, "%s", s.c_str());  // visible to death tests
     const wifiap::tools::LogLine l = wifiap::tools::splitLogLine(s);
-    if (!l.prefixed) {
+    if (l.prefixed)
+        g_lines.push_back({prio, l.name, l.text, s});
+    else
         ADD_FAILURE() << "log line without the prefix: " << s;
-        return;
-    }
-    g_lines.push_back({prio, l.name, l.text, s});
 }
 }  // namespace
 
@@ -56,26 +52,19 @@ std::vector<std::string> texts() {
 
 void reset() {
     g_lines.clear();
-    g_failIn = -1;
-    g_allocs = 0;
-    g_live = 0;
-    g_lastFreed = 0;
+    g_failIn = -1, g_allocs = g_live = 0, g_lastFreed = 0;
 }
 
 Mark mark() { return {g_lines.size(), g_allocs, g_live, g_lastFreed}; }
 
 void rewind(const Mark &m) {
     g_lines.resize(m.lines);
-    g_allocs = m.allocs;
-    g_live = m.live;
-    g_lastFreed = m.lastFreed;
+    g_allocs = m.allocs, g_live = m.live, g_lastFreed = m.lastFreed;
 }
 
-void track(void *p) {
-    if (!p) return;
-    ++g_allocs;
-    ++g_live;
-    g_blocks.insert(p);
+void *track(void *p) {
+    if (p) ++g_allocs, ++g_live, g_blocks.insert(p);
+    return p;
 }
 
 std::string fmt(const char *f, ...) {
@@ -100,26 +89,16 @@ void __wrap_vsyslog(int prio, const char *f, va_list ap) {
     cap::record(prio, wifiap::tools::vformat(f, ap));
 }
 
-void *__wrap_malloc(size_t n) {
-    if (cap::shouldFail()) return nullptr;
-    void *p = __real_malloc(n);
-    cap::track(p);
-    return p;
-}
-
+void *__wrap_malloc(size_t n) { return cap::shouldFail() ? nullptr : cap::track(__real_malloc(n)); }
 void *__wrap_calloc(size_t n, size_t m) {
-    if (cap::shouldFail()) return nullptr;
-    void *p = __real_calloc(n, m);
-    cap::track(p);
-    return p;
+    return cap::shouldFail() ? nullptr : cap::track(__real_calloc(n, m));
 }
 
 void __wrap_free(void *p) {
     if (p && cap::g_blocks.erase(p)) {
         uint32_t w = 0;
         if (malloc_usable_size(p) >= sizeof w) memcpy(&w, p, sizeof w);
-        cap::g_lastFreed = w;
-        --cap::g_live;
+        cap::g_lastFreed = w, --cap::g_live;
     }
     __real_free(p);
 }

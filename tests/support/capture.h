@@ -29,11 +29,7 @@ void reset();
 
 // What the capture holds at a point, and a return to it: what a statement
 // did in a child process never reaches the parent.
-struct Mark {
-    size_t lines;
-    long allocs, live;
-    uint32_t lastFreed;
-};
+struct Mark { size_t lines; long allocs, live; uint32_t lastFreed; };
 Mark mark();
 void rewind(const Mark &m);
 

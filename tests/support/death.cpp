@@ -35,8 +35,7 @@ void inPlace(void (*statement)(void *), void *arg, const std::string &pattern, c
              int line) {
     const cap::Mark mark = cap::mark();
     sigjmp_buf env;
-    struct sigaction sa, old;
-    memset(&sa, 0, sizeof sa);
+    struct sigaction sa = {}, old;
     sa.sa_handler = onAbort;
     sigemptyset(&sa.sa_mask);
     g_env = &env;

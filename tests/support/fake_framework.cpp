@@ -10,7 +10,6 @@ std::map<std::string, std::vector<uintptr_t>> g_blocks;
 bool g_noBlock = false;
 }  // namespace
 
-// Records a call and returns its queued answer, or `def`.
 template <typename... A>
 intptr_t called(const char *fn, intptr_t def, A... args) {
     g_calls.push_back({fn, {(uintptr_t)(args)...}});
@@ -30,9 +29,7 @@ std::vector<std::string> names() {
 }
 
 void reset() {
-    g_calls.clear();
-    g_answers.clear();
-    g_blocks.clear();
+    g_calls.clear(), g_answers.clear(), g_blocks.clear();
     g_noBlock = false;
 }
 
@@ -46,7 +43,6 @@ const std::vector<uintptr_t> &block(const std::string &tableName) { return g_blo
 
 }  // namespace fake
 
-// A framework function that records its arguments and answers `def` unless scripted.
 #define RECORDED(R, fn, def, params, ...) \
     R fn params { return (R)fake::called(#fn, (intptr_t)(def), __VA_ARGS__); }
 
