@@ -1,15 +1,9 @@
-// The tools against the library: the committed capture replayed through its
-// body callbacks, and what wifiap-decode makes of bodies. (wifiap-differential
-// holds the decoder's and the dissector's fields and verdicts to the library's.)
-#include <fstream>
-#include <sstream>
-#include <iterator>
-#include <set>
-
+// The tools against the library: what wifiap-decode makes of bodies, the
+// simulated access point's WPS. (wifiap-differential holds the decoder's and
+// the dissector's fields and verdicts to the library's; the demo's capture
+// test, on every target, the wire format.)
 #include <gtest/gtest.h>
 
-#include "text_capture.h"
-#include "check.h"
 #include "access_point.h"
 #include "decode_cli.h"
 #include "wps_pin.h"
@@ -19,44 +13,6 @@ using namespace wifiap::tools;
 using ct::operator+;
 
 namespace {
-
-std::string slurp(const std::string &path) {
-    std::ifstream f(path, std::ios::binary);
-    EXPECT_TRUE(f) << path;
-    return std::string(std::istreambuf_iterator<char>(f), {});
-}
-
-const std::string kCapture = WIFIAP_TEST_DATA "/demo.capture";
-
-std::vector<Crossing> captured() {
-    std::vector<Crossing> v;
-    std::istringstream in(slurp(kCapture));
-    std::string line, error;
-    for (Crossing c; std::getline(in, line);) {
-        if (parseCaptureLine(line, c, error)) v.push_back(c);
-        EXPECT_EQ(error, "") << line.substr(0, 60);
-    }
-    return v;
-}
-
-// Every body of the capture is taken by the library and comes out again the
-// same, byte for byte: the wire format has not moved.
-TEST(Capture, EveryBodyReplaysToTheSameBytes) {
-    std::set<std::pair<std::string, uint32_t>> seen;
-    for (const Crossing &c : captured()) {
-        const Message *m = findMessage(c.table, c.index);
-        ASSERT_NE(m, nullptr) << c.table << " " << c.index;
-        SCOPED_TRACE(std::string(m->name) + " " + sideName(*m, c.bodyType));
-        Verdict v = check(*m, c.bodyType, c.body.data(), c.body.size());
-        EXPECT_EQ(v.code, 0u) << describe(v);
-        EXPECT_EQ(v.again, c.body);
-        seen.insert({m->name, c.bodyType});
-    }
-    for (const Message &m : messages()) {
-        EXPECT_TRUE(seen.count({m.name, 0})) << m.name << " request missing from the capture";
-        EXPECT_TRUE(!m.res || seen.count({m.name, 1})) << m.name << " response missing";
-    }
-}
 
 // Bodies in hex, as wifiap-decode reads them.
 std::string hex(const ct::Bytes &b) {
